@@ -1,0 +1,261 @@
+#include "tga.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <vector>
+
+namespace {
+
+// Header fields in file order; multi-byte fields are little-endian.
+struct TgaHeader {
+    int idlength = 0;
+    int colourmaptype = 0;
+    int datatypecode = 0;
+    int colourmaporigin = 0;
+    int colourmaplength = 0;
+    int colourmapdepth = 0;
+    int xorigin = 0;
+    int yorigin = 0;
+    int width = 0;
+    int height = 0;
+    int bitsperpixel = 0;
+    int imagedescriptor = 0;
+};
+
+const int kHeaderBytes = 18;
+
+int Unsigned16(const unsigned char *p)
+{
+    return p[0] | (p[1] << 8);
+}
+
+int Signed16(const unsigned char *p)
+{
+    const int v = Unsigned16(p);
+    return v >= 0x8000 ? v - 0x10000 : v;
+}
+
+TgaHeader ParseHeader(const unsigned char *h)
+{
+    TgaHeader hd;
+    hd.idlength = h[0];
+    hd.colourmaptype = h[1];
+    hd.datatypecode = h[2];
+    hd.colourmaporigin = Unsigned16(h + 3);
+    hd.colourmaplength = Unsigned16(h + 5);
+    hd.colourmapdepth = h[7];
+    hd.xorigin = Unsigned16(h + 8);
+    hd.yorigin = Unsigned16(h + 10);
+    hd.width = Signed16(h + 12);
+    hd.height = Signed16(h + 14);
+    hd.bitsperpixel = h[16];
+    hd.imagedescriptor = h[17];
+    return hd;
+}
+
+// Block-buffered reading over a stdio stream. Decoding a large image one
+// fread per pixel costs more than the decoding itself; this reads 64 KiB at a
+// time and, when done, puts the stream back where byte-wise reading would
+// have left it.
+class BlockReader {
+public:
+    explicit BlockReader(FILE *fp) : fp_(fp), buf_(1 << 16), origin_(std::ftell(fp)) {}
+
+    // Copies up to n bytes into dst; returns how many it got.
+    size_t Read(unsigned char *dst, size_t n)
+    {
+        size_t got = 0;
+        while (got < n) {
+            if (pos_ == len_ && !Fill())
+                break;
+            const size_t take = std::min(n - got, len_ - pos_);
+            std::memcpy(dst + got, buf_.data() + pos_, take);
+            pos_ += take;
+            got += take;
+        }
+        consumed_ += static_cast<long>(got);
+        return got;
+    }
+
+    // Moves to an absolute offset from the start of the file. If the stream
+    // cannot seek, reading simply goes on from where it is.
+    void SeekFromStart(long offset)
+    {
+        if (std::fseek(fp_, offset, SEEK_SET) == 0) {
+            pos_ = len_ = 0;
+            eof_ = false;
+            origin_ = offset;
+            consumed_ = 0;
+        }
+    }
+
+    // Leaves the underlying stream just after the last byte handed out.
+    void Sync()
+    {
+        if (origin_ >= 0 && pos_ != len_)
+            std::fseek(fp_, origin_ + consumed_, SEEK_SET);
+    }
+
+private:
+    bool Fill()
+    {
+        if (eof_)
+            return false;
+        len_ = std::fread(buf_.data(), 1, buf_.size(), fp_);
+        pos_ = 0;
+        if (len_ < buf_.size())
+            eof_ = true;
+        return len_ > 0;
+    }
+
+    FILE *fp_;
+    std::vector<unsigned char> buf_;
+    size_t pos_ = 0;
+    size_t len_ = 0;
+    bool eof_ = false;
+    long origin_;
+    long consumed_ = 0;
+};
+
+// Decoding proper; the caller syncs the stream afterwards.
+int Decode(BlockReader &in, BitmapPixel *bitmap, int *width, int *height)
+{
+    unsigned char h[kHeaderBytes] = {};
+    in.Read(h, kHeaderBytes);
+    const TgaHeader hd = ParseHeader(h);
+    *width = hd.width;
+    *height = hd.height;
+
+    const int type = hd.datatypecode;
+    if (type != 1 && type != 2 && type != 3 && type != 10 && type != 11)
+        return 1;
+    const int bpp = hd.bitsperpixel;
+    if (bpp != 8 && bpp != 16 && bpp != 24 && bpp != 32)
+        return 2;
+    if (hd.colourmaptype > 1)
+        return 3;
+
+    // The palette is read from directly after the header, not after the ID
+    // field: files with an ID field get its bytes as their first palette
+    // bytes. Entries of unusual sizes stay zero.
+    std::vector<BitmapPixel> palette;
+    if (type == 1) {
+        palette.assign(static_cast<size_t>(hd.colourmaplength), BitmapPixel{0, 0, 0, 0});
+        const int entrybytes = hd.colourmapdepth / 8;
+        std::vector<unsigned char> entry(static_cast<size_t>(entrybytes) + 1);
+        for (BitmapPixel &p : palette) {
+            if (in.Read(entry.data(), static_cast<size_t>(entrybytes)) !=
+                static_cast<size_t>(entrybytes))
+                return 5;
+            TGA_MergeBytes(&p, entry.data(), entrybytes);
+        }
+    }
+
+    in.SeekFromStart(kHeaderBytes + hd.idlength +
+                     (hd.colourmaptype * hd.colourmaplength * hd.colourmapdepth) / 8);
+
+    const int n = bpp / 8;
+    const size_t total = Bitmap_PixelCount(hd.width, hd.height);
+    size_t done = 0;
+    unsigned char p[5];
+
+    if (type == 1) {
+        const int last = hd.colourmaplength - 1;
+        while (done < total) {
+            if (in.Read(p, 1) != 1)
+                return 4;
+            if (last < 0) {
+                // No palette at all: there is no entry to take.
+                bitmap[done++] = BitmapPixel{0, 0, 0, 0};
+            } else {
+                bitmap[done++] = palette[std::min<int>(p[0], last)];
+            }
+        }
+    } else if (type == 2 || type == 3) {
+        while (done < total) {
+            if (in.Read(p, static_cast<size_t>(n)) != static_cast<size_t>(n))
+                return 4;
+            TGA_MergeBytes(&bitmap[done++], p, n);
+        }
+    } else {
+        while (done < total) {
+            // Packet header and first pixel in one read.
+            if (in.Read(p, static_cast<size_t>(n) + 1) != static_cast<size_t>(n) + 1)
+                return 4;
+            const int count = p[0] & 127;
+            BitmapPixel first;
+            TGA_MergeBytes(&first, p + 1, n);
+            bitmap[done++] = first;
+            if (p[0] & 128) {
+                // A run that claims more pixels than remain is cut at the end.
+                const size_t room = total - done;
+                const size_t k = std::min(static_cast<size_t>(count), room);
+                std::fill(bitmap + done, bitmap + done + k, first);
+                done += k;
+            } else {
+                for (int i = 0; i < count; i++) {
+                    if (in.Read(p, static_cast<size_t>(n)) != static_cast<size_t>(n))
+                        return 6;
+                    // Pixels beyond the image are read, so that a truncated
+                    // file is still reported, but not stored.
+                    if (done < total)
+                        TGA_MergeBytes(&bitmap[done++], p, n);
+                }
+            }
+        }
+    }
+
+    // Top-left origin: turn the rows over so the result is bottom row first.
+    // The right-to-left bit is not honoured.
+    if (hd.imagedescriptor & 32)
+        Flip_Bitmap(bitmap, hd.width, hd.height, 0);
+    return 0;
+}
+
+} // namespace
+
+void TGA_MergeBytes(BitmapPixel *pixel, const unsigned char *p, int bytes)
+{
+    switch (bytes) {
+    case 4:
+        *pixel = BitmapPixel{p[2], p[1], p[0], p[3]};
+        break;
+    case 3:
+        *pixel = BitmapPixel{p[2], p[1], p[0], 255};
+        break;
+    case 2:
+        // Five bits each, shifted left by three without filling the low bits;
+        // the attribute bit becomes alpha 128, not 255.
+        pixel->r = static_cast<unsigned char>((p[1] & 0x7C) * 2);
+        pixel->g = static_cast<unsigned char>(((p[1] * 64) | ((p[0] & 0xE0) / 4)) & 0xFF);
+        pixel->b = static_cast<unsigned char>((p[0] * 8) & 0xFF);
+        pixel->a = static_cast<unsigned char>(p[1] & 0x80);
+        break;
+    case 1:
+        *pixel = BitmapPixel{p[0], p[0], p[0], 255};
+        break;
+    default:
+        break;
+    }
+}
+
+void TGA_Info(FILE *fptr, int *width, int *height, int *depth)
+{
+    unsigned char h[kHeaderBytes] = {};
+    const size_t got = std::fread(h, 1, kHeaderBytes, fptr);
+    (void)got; // a short header leaves zeros, as documented
+    const TgaHeader hd = ParseHeader(h);
+    *width = hd.width;
+    *height = hd.height;
+    *depth = hd.bitsperpixel;
+    std::rewind(fptr);
+}
+
+int TGA_Read(FILE *fptr, BitmapPixel *bitmap, int *width, int *height)
+{
+    BlockReader in(fptr);
+    const int rc = Decode(in, bitmap, width, height);
+    in.Sync();
+    return rc;
+}

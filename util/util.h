@@ -1,0 +1,10 @@
+/* The utility library: one header per family, all reachable from here.
+ * Free functions on caller-owned data; nothing prints, nothing allocates on
+ * the caller's behalf unless its contract says so. */
+#ifndef UTIL_UTIL_H
+#define UTIL_UTIL_H
+
+#include "types.h"
+#include "helpers.h"
+
+#endif
