@@ -40,6 +40,7 @@ check: check-release check-asan
 
 bench: release
 	$(RELEASE)/bench/talvor_bench
+	$(RELEASE)/bench/count_driver $(RELEASE)/talvor
 
 fuzz: asan
 	mkdir -p $(ASAN)/fuzz-corpus

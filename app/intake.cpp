@@ -4,6 +4,9 @@
 #include <cstdlib>
 #include <memory>
 
+#include "blacktable.h"
+#include "boxcount.h"
+#include "platform.h"
 #include "settings.h"
 
 namespace {
@@ -11,6 +14,10 @@ struct FileCloser {
     void operator()(FILE *f) const { std::fclose(f); }
 };
 using File = std::unique_ptr<FILE, FileCloser>;
+
+// Bytes currently held by bwimage, so that a rebuild of the same size
+// reuses the memory.
+size_t bwbytes = 0;
 } // namespace
 
 int LoadTGA(const char *filename)
@@ -54,4 +61,114 @@ void MakeTestImage(void)
     }
     Erase_Bitmap(image, options.width, options.height, BitmapPixel{255, 255, 255, 255});
     std::snprintf(options.imagename, sizeof options.imagename, "%s", "No Image");
+}
+
+void ChooseScreenSize(int width, int height, int screenw, int screenh, int *outw, int *outh, int *scale)
+{
+    int w = width, h = height, s = 1;
+    const int wlimit = (3 * screenw) / 4;
+    const int hlimit = (3 * screenh) / 4;
+    while (w > wlimit) {
+        w /= 2;
+        h /= 2;
+        s *= 2;
+    }
+    while (h > hlimit) {
+        w /= 2;
+        h /= 2;
+        s *= 2;
+    }
+    *outw = w;
+    *outh = h;
+    *scale = s;
+}
+
+void InvertImage(void)
+{
+    const size_t n = Bitmap_PixelCount(options.width, options.height);
+    for (size_t i = 0; i < n; i++) {
+        image[i].r = static_cast<unsigned char>(255 - image[i].r);
+        image[i].g = static_cast<unsigned char>(255 - image[i].g);
+        image[i].b = static_cast<unsigned char>(255 - image[i].b);
+    }
+}
+
+static void BuildScreenImage(void)
+{
+    std::fprintf(stderr, "Creating screen version\n");
+    int sw = 0, sh = 0;
+    GetScreenSize(&sw, &sh);
+    ChooseScreenSize(options.width, options.height, sw, sh, &options.screenwidth, &options.screenheight,
+                     &options.scale);
+    std::fprintf(stderr, "   Full screen size: %d x %d\n", sw, sh);
+    std::fprintf(stderr, "   Display size:     %d x %d\n", options.screenwidth, options.screenheight);
+    std::fprintf(stderr, "   Scale factor:     %d\n", options.scale);
+
+    Destroy_Bitmap(viewimage);
+    viewimage = Create_Bitmap(options.screenwidth, options.screenheight);
+    if (viewimage == nullptr) {
+        std::fprintf(stderr, "   Failed to create image\n");
+        CleanExit();
+    }
+    BiCubicScale(image, options.width, options.height, viewimage, options.screenwidth,
+                 options.screenheight);
+    const size_t n = Bitmap_PixelCount(options.screenwidth, options.screenheight);
+    for (size_t i = 0; i < n; i++) {
+        BitmapPixel &p = viewimage[i];
+        p.a = 0;
+        if (options.invert) {
+            p.r = static_cast<unsigned char>(255 - p.r);
+            p.g = static_cast<unsigned char>(255 - p.g);
+            p.b = static_cast<unsigned char>(255 - p.b);
+        }
+    }
+    options.invert = 0;
+}
+
+int UpdateImages(void)
+{
+    const size_t n = Bitmap_PixelCount(options.width, options.height);
+    if (bwimage == nullptr || n != bwbytes) {
+        // One byte at least, so that an empty image still has a valid array.
+        void *p = std::realloc(bwimage, n > 0 ? n : 1);
+        if (p == nullptr) {
+            std::fprintf(stderr, "   Failed to create image - fatal\n");
+            std::exit(-1);
+        }
+        bwimage = static_cast<unsigned char *>(p);
+        bwbytes = n;
+    }
+
+    // Integer squares and one comparison: black is below 128 squared. Row by
+    // row, so that each row goes into the black table while it is still in
+    // the cache.
+    const bool table = BeginBlackTable(bwimage, options.width, options.height);
+    const unsigned char flip = options.invert ? 255 : 0;
+    unsigned char darkest = 255;
+    const size_t w = n > 0 ? static_cast<size_t>(options.width) : 0;
+    for (size_t y = 0; w > 0 && y < static_cast<size_t>(options.height); y++) {
+        const BitmapPixel *in = image + y * w;
+        unsigned char *out = bwimage + y * w;
+        for (size_t x = 0; x < w; x++) {
+            const int sum = in[x].r * in[x].r + in[x].g * in[x].g + in[x].b * in[x].b;
+            const unsigned char v = static_cast<unsigned char>((sum > 16383 ? 255 : 0) ^ flip);
+            out[x] = v;
+            darkest = v < darkest ? v : darkest;
+        }
+        if (table)
+            BlackTableAddRow(static_cast<int>(y));
+    }
+    if (darkest >= 128)
+        std::fprintf(stderr, "Warning, image contains no black\n");
+
+    if (!options.quiet)
+        BuildScreenImage();
+
+    if (!options.useregion) {
+        options.left = 0;
+        options.right = 100000;
+        options.top = 100000;
+        options.bottom = 0;
+    }
+    return BoxCount(0);
 }

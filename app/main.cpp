@@ -1,16 +1,24 @@
+// Talvor: estimates the box-counting dimension of the black structure in a
+// TGA picture, in a window or (-q) on the command line.
 #include <cstdio>
 #include <cstdlib>
 
+#include "boxcount.h"
 #include "cmdline.h"
 #include "intake.h"
+#include "quiet.h"
 #include "settings.h"
+#include "window.h"
 
 int main(int argc, char **argv)
 {
     SetDefaultOptions();
     ParseCommandLine(argc, argv);
-    if (!options.quiet)
+
+    if (!options.quiet) {
         PrintBanner();
+        StartWindowSystem(&argc, argv);
+    }
 
     if (inputname[0] == '\0') {
         MakeTestImage();
@@ -20,5 +28,11 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "Creating blank image\n");
         MakeTestImage();
     }
-    return 0;
+
+    UpdateImages();
+    BoxCount(0);
+
+    if (options.quiet)
+        return RunQuiet();
+    RunWindow();
 }

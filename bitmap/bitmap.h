@@ -5,6 +5,7 @@
 #define BITMAP_BITMAP_H
 
 #include "pixel.h"
+#include "resample.h"
 #include "tga.h"
 
 #endif

@@ -65,17 +65,29 @@ public:
     // Copies up to n bytes into dst; returns how many it got.
     size_t Read(unsigned char *dst, size_t n)
     {
-        size_t got = 0;
-        while (got < n) {
-            if (pos_ == len_ && !Fill())
-                break;
-            const size_t take = std::min(n - got, len_ - pos_);
-            std::memcpy(dst + got, buf_.data() + pos_, take);
-            pos_ += take;
-            got += take;
+        if (len_ - pos_ >= n) {
+            for (size_t i = 0; i < n; i++)
+                dst[i] = buf_[pos_ + i];
+            pos_ += n;
+            consumed_ += static_cast<long>(n);
+            return n;
         }
-        consumed_ += static_cast<long>(got);
-        return got;
+        return ReadSlow(dst, n);
+    }
+
+    // The bytes already buffered (refilling when none are), for decoding
+    // many pixels in place; Skip consumes them.
+    size_t Available()
+    {
+        if (pos_ == len_)
+            Fill();
+        return len_ - pos_;
+    }
+    const unsigned char *Data() const { return buf_.data() + pos_; }
+    void Skip(size_t n)
+    {
+        pos_ += n;
+        consumed_ += static_cast<long>(n);
     }
 
     // Moves to an absolute offset from the start of the file. If the stream
@@ -98,6 +110,21 @@ public:
     }
 
 private:
+    size_t ReadSlow(unsigned char *dst, size_t n)
+    {
+        size_t got = 0;
+        while (got < n) {
+            if (pos_ == len_ && !Fill())
+                break;
+            const size_t take = std::min(n - got, len_ - pos_);
+            std::memcpy(dst + got, buf_.data() + pos_, take);
+            pos_ += take;
+            got += take;
+        }
+        consumed_ += static_cast<long>(got);
+        return got;
+    }
+
     bool Fill()
     {
         if (eof_)
@@ -117,6 +144,51 @@ private:
     long origin_;
     long consumed_ = 0;
 };
+
+// The pixel rule for n bytes per pixel; TGA_MergeBytes dispatches to it.
+template <int N>
+inline void Merge(BitmapPixel *pixel, const unsigned char *p)
+{
+    if constexpr (N == 4) {
+        *pixel = BitmapPixel{p[2], p[1], p[0], p[3]};
+    } else if constexpr (N == 3) {
+        *pixel = BitmapPixel{p[2], p[1], p[0], 255};
+    } else if constexpr (N == 2) {
+        // Five bits each, shifted left by three without filling the low bits;
+        // the attribute bit becomes alpha 128, not 255.
+        pixel->r = static_cast<unsigned char>((p[1] & 0x7C) * 2);
+        pixel->g = static_cast<unsigned char>(((p[1] * 64) | ((p[0] & 0xE0) / 4)) & 0xFF);
+        pixel->b = static_cast<unsigned char>((p[0] * 8) & 0xFF);
+        pixel->a = static_cast<unsigned char>(p[1] & 0x80);
+    } else {
+        *pixel = BitmapPixel{p[0], p[0], p[0], 255};
+    }
+}
+
+// Uncompressed pixels, decoded straight out of the read buffer; a pixel split
+// across two buffer fills goes through the copying read.
+template <int N>
+int DecodeUncompressed(BlockReader &in, BitmapPixel *bitmap, size_t total)
+{
+    size_t done = 0;
+    while (done < total) {
+        const size_t avail = in.Available();
+        if (avail >= N) {
+            const size_t k = std::min(avail / N, total - done);
+            const unsigned char *p = in.Data();
+            for (size_t i = 0; i < k; i++)
+                Merge<N>(&bitmap[done + i], p + i * N);
+            in.Skip(k * N);
+            done += k;
+        } else {
+            unsigned char p[N];
+            if (in.Read(p, N) != N)
+                return 4;
+            Merge<N>(&bitmap[done++], p);
+        }
+    }
+    return 0;
+}
 
 // Decoding proper; the caller syncs the stream afterwards.
 int Decode(BlockReader &in, BitmapPixel *bitmap, int *width, int *height)
@@ -173,11 +245,15 @@ int Decode(BlockReader &in, BitmapPixel *bitmap, int *width, int *height)
             }
         }
     } else if (type == 2 || type == 3) {
-        while (done < total) {
-            if (in.Read(p, static_cast<size_t>(n)) != static_cast<size_t>(n))
-                return 4;
-            TGA_MergeBytes(&bitmap[done++], p, n);
+        int rc = 0;
+        switch (n) {
+        case 1: rc = DecodeUncompressed<1>(in, bitmap, total); break;
+        case 2: rc = DecodeUncompressed<2>(in, bitmap, total); break;
+        case 3: rc = DecodeUncompressed<3>(in, bitmap, total); break;
+        default: rc = DecodeUncompressed<4>(in, bitmap, total); break;
         }
+        if (rc != 0)
+            return rc;
     } else {
         while (done < total) {
             // Packet header and first pixel in one read.
@@ -218,25 +294,11 @@ int Decode(BlockReader &in, BitmapPixel *bitmap, int *width, int *height)
 void TGA_MergeBytes(BitmapPixel *pixel, const unsigned char *p, int bytes)
 {
     switch (bytes) {
-    case 4:
-        *pixel = BitmapPixel{p[2], p[1], p[0], p[3]};
-        break;
-    case 3:
-        *pixel = BitmapPixel{p[2], p[1], p[0], 255};
-        break;
-    case 2:
-        // Five bits each, shifted left by three without filling the low bits;
-        // the attribute bit becomes alpha 128, not 255.
-        pixel->r = static_cast<unsigned char>((p[1] & 0x7C) * 2);
-        pixel->g = static_cast<unsigned char>(((p[1] * 64) | ((p[0] & 0xE0) / 4)) & 0xFF);
-        pixel->b = static_cast<unsigned char>((p[0] * 8) & 0xFF);
-        pixel->a = static_cast<unsigned char>(p[1] & 0x80);
-        break;
-    case 1:
-        *pixel = BitmapPixel{p[0], p[0], p[0], 255};
-        break;
-    default:
-        break;
+    case 4: Merge<4>(pixel, p); break;
+    case 3: Merge<3>(pixel, p); break;
+    case 2: Merge<2>(pixel, p); break;
+    case 1: Merge<1>(pixel, p); break;
+    default: break;
     }
 }
 

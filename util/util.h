@@ -6,5 +6,6 @@
 
 #include "types.h"
 #include "helpers.h"
+#include "regress.h"
 
 #endif

@@ -1,0 +1,28 @@
+/* The box counter: an incremental state machine that lays square grids of
+ * shrinking boxes over the region of the black/white image and records, per
+ * grid, how many boxes hold black. One call examines one box, so that the
+ * interactive program can count from its idle handler. */
+#ifndef TALVOR_BOXCOUNT_H
+#define TALVOR_BOXCOUNT_H
+
+/* mode 0 starts a new computation (seeds the offsets from the clock, clamps
+ * the region to the image, records the first size) and returns 0; any other
+ * mode examines one box and returns 1 once the last grid of the last offset
+ * pass is done. */
+int BoxCount(int mode);
+
+/* 1 if a black pixel lies in x0 <= x < x1, y0 <= y < y1 once clipped to the
+ * region (and the image), else 0. Empty boxes are answered from the black
+ * table without reading pixels; occupied ones are scanned border first. */
+int BlackInRect(int x0, int x1, int y0, int y1);
+
+/* The same answer from a pixel-by-pixel scan alone: border first (left
+ * column, right column, bottom row, top row), then the inside column by
+ * column. The reference the fast path is checked against. */
+int BlackInRectPlain(int x0, int x1, int y0, int y1);
+
+/* The first box size of a pass for the current region: boxstart, or, when
+ * that is automatic, a fifth of the region's smaller side (truncated). */
+int StartBoxSize(void);
+
+#endif
