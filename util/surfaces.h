@@ -29,7 +29,7 @@ typedef struct {
 
 /* TRUE when (xp, yp) lies inside or on the circle through (x1, y1), (x2, y2),
  * (x3, y3), whose centre and squared radius go to *xc, *yc, *rsqr; FALSE with
- * the outputs untouched when all three y agree to within 1e-6. */
+ * the outputs untouched when |y1 - y2| and |y2 - y3| are both below 1e-6. */
 int CircumCircle(double xp, double yp, double x1, double y1, double x2, double y2,
                  double x3, double y3, double *xc, double *yc, double *rsqr);
 /* Delaunay triangulation of the nv points pxyz[0..nv-1], which must be sorted

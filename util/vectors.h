@@ -53,9 +53,9 @@ XYZ CalcNormal(XYZ p1, XYZ p2, XYZ p3);
 XYZ Centroid(const XYZ *p, int n);
 /* Exchanges *p1 and *p2. */
 void SwapXYZ(XYZ *p1, XYZ *p2);
-/* A unit vector perpendicular to v: v crossed with the coordinate axis along
- * which v has its smallest component (the first such axis on ties), then
- * normalised; (0, 0, 0) when v has no positive squared length. */
+/* A unit vector perpendicular to v: v crossed with the coordinate axis of v's
+ * smallest absolute component (x before y before z on ties), normalised;
+ * (0, 0, 0) when v has no positive squared length. */
 XYZ VectorPerp(XYZ v);
 
 /* Angles. */
