@@ -7,5 +7,6 @@
 #include "pixel.h"
 #include "resample.h"
 #include "tga.h"
+#include "writer.h"
 
 #endif

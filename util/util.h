@@ -7,5 +7,10 @@
 #include "types.h"
 #include "helpers.h"
 #include "regress.h"
+#include "sound.h"
+#include "random.h"
+#include "vectors.h"
+#include "writers.h"
+#include "surfaces.h"
 
 #endif
