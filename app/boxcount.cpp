@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 
 #include "blacktable.h"
@@ -154,25 +155,40 @@ inline bool BoxHasBlack(const Bounds &b, bool usetable, int64_t x0, int64_t x1, 
 
 // Growing arrays: the records are appended one at a time, but the memory
 // grows geometrically so that a grid of a million occupied boxes does not
-// cost a million reallocations.
+// cost a million reallocations. The capacity belongs to the block this
+// counter allocated: if someone else has put another array in its place,
+// the records are moved to a fresh block rather than reallocating memory the
+// counter does not own.
+struct Growth {
+    const void *block = nullptr;
+    size_t capacity = 0;
+};
+
 template <typename T>
-void Append(T **array, int *count, size_t *capacity, const T &value)
+void Append(T **array, int *count, Growth *growth, const T &value)
 {
-    if (static_cast<size_t>(*count) + 1 > *capacity) {
-        const size_t want = std::max<size_t>(16, *capacity * 2);
-        void *p = std::realloc(*array, want * sizeof(T));
+    if (*array != growth->block) {
+        growth->block = nullptr;
+        growth->capacity = 0;
+    }
+    if (static_cast<size_t>(*count) + 1 > growth->capacity) {
+        const size_t want = std::max<size_t>({16, growth->capacity * 2, static_cast<size_t>(*count) + 1});
+        T *p = static_cast<T *>(growth->block ? std::realloc(*array, want * sizeof(T)) : std::malloc(want * sizeof(T)));
         if (p == nullptr) {
             std::fprintf(stderr, "Out of memory while counting boxes\n");
             std::exit(-1);
         }
-        *array = static_cast<T *>(p);
-        *capacity = want;
+        if (!growth->block && *count > 0)
+            std::memcpy(p, *array, static_cast<size_t>(*count) * sizeof(T));
+        *array = p;
+        growth->block = p;
+        growth->capacity = want;
     }
     (*array)[(*count)++] = value;
 }
 
-size_t boxcapacity = 0;
-size_t resultcapacity = 0;
+Growth boxgrowth;
+Growth resultgrowth;
 
 int ClampToInt(int64_t v)
 {
@@ -303,7 +319,7 @@ inline bool RowBoxHasBlack(const Counter &c, int64_t x0, int64_t x1)
     c.boxsize = StartBoxSize();
     StartRow(c);
     nresults = 0;
-    Append(&results, &nresults, &resultcapacity, RESULT{c.boxsize, 0, 0});
+    Append(&results, &nresults, &resultgrowth, RESULT{c.boxsize, 0, 0});
     c.cycles = 0;
     return 0;
 }
@@ -325,7 +341,7 @@ inline bool RowBoxHasBlack(const Counter &c, int64_t x0, int64_t x1)
         box = BOX{static_cast<int>(left), static_cast<int>(right), static_cast<int>(top), static_cast<int>(bottom), 1};
     else
         box = BOX{ClampToInt(left), ClampToInt(right), ClampToInt(top), ClampToInt(bottom), 1};
-    Append(&boxlist, &nboxlist, &boxcapacity, box);
+    Append(&boxlist, &nboxlist, &boxgrowth, box);
 }
 
 // The grid in progress is complete: report it, then move to the next size,
@@ -358,7 +374,7 @@ inline bool RowBoxHasBlack(const Counter &c, int64_t x0, int64_t x1)
     if (!options.quiet)
         UpdateGraphForm();
     // The record for a size exists before its first box is examined.
-    Append(&results, &nresults, &resultcapacity, RESULT{c.boxsize, 0, 0});
+    Append(&results, &nresults, &resultgrowth, RESULT{c.boxsize, 0, 0});
     StartGrid(c);
     StartRow(c);
     return 0;
