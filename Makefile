@@ -41,6 +41,7 @@ check: check-release check-asan
 bench: release
 	$(RELEASE)/bench/talvor_bench
 	$(RELEASE)/bench/count_driver $(RELEASE)/talvor
+	bench/interactive_rate.sh $(RELEASE)
 
 fuzz: asan
 	mkdir -p $(ASAN)/fuzz-corpus

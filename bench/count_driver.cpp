@@ -3,6 +3,7 @@
 // cost of reading and thresholding the image alone.
 //
 //   count_driver TALVOR_BINARY [SIZE...]     (default sizes 4096 8192)
+//   count_driver --steps-rate FILE.tga N     (boxes per second of the quiet loop)
 //
 // For each image it prints:
 //   read+bw    a process that only reads the file and thresholds it (the
@@ -128,10 +129,32 @@ void CleanExit(void)
     std::exit(0);
 }
 
+// The quiet loop's rate: boxes examined per second, for comparing with the
+// interactive loop (bench/interactive_rate.sh).
+static int StepsRate(const char *tga, int noffsets)
+{
+    SetDefaultOptions();
+    options.quiet = 1;
+    options.noffsets = noffsets;
+    if (!LoadTGA(tga))
+        return 1;
+    UpdateImages();
+    const double t0 = Now();
+    BoxCount(0);
+    long steps = 1;
+    while (!BoxCount(1))
+        steps++;
+    const double t = Now() - t0;
+    std::printf("%ld %.6f\n", steps, t);
+    return 0;
+}
+
 int main(int argc, char **argv)
 {
     if (argc == 3 && std::strcmp(argv[1], "--read-only") == 0)
         return ReadOnly(argv[2]);
+    if (argc == 4 && std::strcmp(argv[1], "--steps-rate") == 0)
+        return StepsRate(argv[2], std::atoi(argv[3]));
     if (argc < 2) {
         std::fprintf(stderr, "Usage: %s TALVOR_BINARY [SIZE...]\n", argv[0]);
         return 2;
