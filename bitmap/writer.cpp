@@ -88,7 +88,7 @@ void WriteTgaHeader(FILE *fp, int format, int width, int height)
     PutByte(fp, 0);             // no image ID field
     PutByte(fp, 0);             // no colour map
     PutByte(fp, rle ? 10 : 2);  // true colour, run-length or plain
-    for (int i = 0; i < 9; i++) // colour map specification, x and y origin
+    for (int i = 0; i < 9; i++) // colour map fields, x and y origin
         PutByte(fp, 0);
     PutLE16(fp, static_cast<uint32_t>(width));
     PutLE16(fp, static_cast<uint32_t>(height));
