@@ -237,7 +237,7 @@ static void ExpectReadBack(const Image &img, int w, int h, int code, Image want 
     Image got(Bitmap_PixelCount(fw, fh));
     const int rc = TGA_Read(f, got.data(), &fw, &fh);
     std::fclose(f);
-    EXPECT_EQ(std::vector<int>({rc, fw, fh, depth}), std::vector<int>({0, w, h, alpha ? 32 : 24}));
+    ASSERT_EQ(std::vector<int>({rc, fw, fh, depth}), std::vector<int>({0, w, h, alpha ? 32 : 24}));
     // The files have a bottom-left origin: a negative code stores the picture upside down.
     want = want.empty() ? code > 0 ? img : Flipped(img, w) : want;
     EXPECT_EQ(Seen(got, w, 'a'), Seen(want, w, alpha ? 'a' : '1')) << "code " << code << ", width " << w;
