@@ -54,13 +54,23 @@ inline bool BlackTableMatches(const unsigned char *bw, int width, int height)
            height == blacktable.height;
 }
 
+/* Row y of the sums: the counts of [0, x) x [0, y). */
+inline const uint16_t *BlackTableRow(int y)
+{
+    return blacktable.sums + static_cast<size_t>(y) * blacktable.stride;
+}
+
+/* Black pixels modulo 2^16 in columns x0 .. x1 - 1 between the sum rows lo
+ * (the bottom edge) and hi (the top edge). */
+inline uint16_t BlackTableSpan(const uint16_t *lo, const uint16_t *hi, int x0, int x1)
+{
+    return static_cast<uint16_t>(hi[x1] - hi[x0] - lo[x1] + lo[x0]);
+}
+
 /* Black pixels in the rectangle, modulo 2^16. */
 inline uint16_t BlackTableCountModulo(int x0, int x1, int y0, int y1)
 {
-    const uint16_t *s = blacktable.sums;
-    const size_t lo = static_cast<size_t>(y0) * blacktable.stride;
-    const size_t hi = static_cast<size_t>(y1) * blacktable.stride;
-    return static_cast<uint16_t>(s[hi + x1] - s[hi + x0] - s[lo + x1] + s[lo + x0]);
+    return BlackTableSpan(BlackTableRow(y0), BlackTableRow(y1), x0, x1);
 }
 
 /* True when a black pixel lies in x0 <= x < x1, y0 <= y < y1; the rectangle

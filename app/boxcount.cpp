@@ -97,19 +97,12 @@ bool PlainScan(int xmin, int xmax, int ymin, int ymax)
     return false;
 }
 
-// Black pixels modulo 2^16 in columns x0 .. x1 - 1 between the two table
-// rows lo (bottom edge) and hi (top edge); exact for a single row or column,
-// which never reaches 2^16 pixels.
-inline uint16_t Span(const uint16_t *lo, const uint16_t *hi, int x0, int x1)
-{
-    return static_cast<uint16_t>(hi[x1] - hi[x0] - lo[x1] + lo[x0]);
-}
-
 // The same scan in the same order, for a box the table knows to hold black;
 // lo and hi are the table rows at ymin and ymax. A segment is read only when
 // the table says it holds black, and then from the bit tiles, eight pixels
 // at a time, so the scan costs reads in proportion to the box's side, not
-// its area, and stops at the first group holding black.
+// its area, and stops at the first group holding black. Single rows and
+// columns never reach 2^16 pixels, so their counts are exact.
 bool GuidedScan(int xmin, int xmax, int ymin, int ymax, const uint16_t *lo, const uint16_t *hi)
 {
     if (xmax - xmin == 1)
@@ -117,26 +110,21 @@ bool GuidedScan(int xmin, int xmax, int ymin, int ymax, const uint16_t *lo, cons
     if (ymax - ymin == 1)
         return BlackTileRow(ymin, xmin, xmax);
     const size_t stride = blacktable.stride;
-    if (Span(lo, hi, xmin, xmin + 1) && BlackTileColumn(xmin, ymin, ymax))
+    if (BlackTableSpan(lo, hi, xmin, xmin + 1) && BlackTileColumn(xmin, ymin, ymax))
         return true;
-    if (Span(lo, hi, xmax - 1, xmax) && BlackTileColumn(xmax - 1, ymin, ymax))
+    if (BlackTableSpan(lo, hi, xmax - 1, xmax) && BlackTileColumn(xmax - 1, ymin, ymax))
         return true;
-    if (Span(lo, lo + stride, xmin + 1, xmax) && BlackTileRow(ymin, xmin + 1, xmax))
+    if (BlackTableSpan(lo, lo + stride, xmin + 1, xmax) && BlackTileRow(ymin, xmin + 1, xmax))
         return true;
-    if (Span(hi - stride, hi, xmin, xmax) && BlackTileRow(ymax - 1, xmin, xmax))
+    if (BlackTableSpan(hi - stride, hi, xmin, xmax) && BlackTileRow(ymax - 1, xmin, xmax))
         return true;
     if (ymax - 1 <= ymin + 1)
         return false;
     const uint16_t *inlo = lo + stride, *inhi = hi - stride;
     for (int x = xmin + 1; x <= xmax - 2; x++)
-        if (Span(inlo, inhi, x, x + 1) && BlackTileColumn(x, ymin + 1, ymax - 1))
+        if (BlackTableSpan(inlo, inhi, x, x + 1) && BlackTileColumn(x, ymin + 1, ymax - 1))
             return true;
     return false;
-}
-
-const uint16_t *TableRow(int y)
-{
-    return blacktable.sums + static_cast<size_t>(y) * blacktable.stride;
 }
 
 // BlackInRect's answer for a box: empty boxes are settled by the table
@@ -150,7 +138,7 @@ inline bool BoxHasBlack(const Bounds &b, bool usetable, int64_t x0, int64_t x1, 
         return PlainScan(xmin, xmax, ymin, ymax);
     if (!BlackTableAny(xmin, xmax, ymin, ymax))
         return false;
-    return GuidedScan(xmin, xmax, ymin, ymax, TableRow(ymin), TableRow(ymax));
+    return GuidedScan(xmin, xmax, ymin, ymax, BlackTableRow(ymin), BlackTableRow(ymax));
 }
 
 // Growing arrays: the records are appended one at a time, but the memory
@@ -263,8 +251,8 @@ void StartRow(Counter &c)
     c.rowymin = static_cast<int>(ymin);
     c.rowymax = static_cast<int>(ymax);
     if (c.usetable) {
-        c.rowlo = blacktable.sums + static_cast<size_t>(ymin) * blacktable.stride;
-        c.rowhi = blacktable.sums + static_cast<size_t>(ymax) * blacktable.stride;
+        c.rowlo = BlackTableRow(c.rowymin);
+        c.rowhi = BlackTableRow(c.rowymax);
     }
 }
 
@@ -291,8 +279,7 @@ inline bool RowBoxHasBlack(const Counter &c, int64_t x0, int64_t x1)
     if (!c.usetable)
         return PlainScan(xmin, xmax, c.rowymin, c.rowymax);
     if (static_cast<int64_t>(xmax - xmin) * (c.rowymax - c.rowymin) < 65536) {
-        const uint16_t n = static_cast<uint16_t>(c.rowhi[xmax] - c.rowhi[xmin] - c.rowlo[xmax] + c.rowlo[xmin]);
-        if (n == 0)
+        if (BlackTableSpan(c.rowlo, c.rowhi, xmin, xmax) == 0)
             return false;
     } else if (!BlackTableAnyLarge(xmin, xmax, c.rowymin, c.rowymax)) {
         return false;

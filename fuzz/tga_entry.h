@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <vector>
 
 #include "bitmap.h"
 
@@ -17,12 +18,15 @@ constexpr size_t kFuzzMaxPixels = size_t(1) << 22;
 
 inline int ReadTgaBytes(const uint8_t *data, size_t size)
 {
-    FILE *f = std::tmpfile();
+    // A stream over a copy of the bytes; fmemopen refuses a zero size, so an
+    // empty input reads from an empty buffer of one byte's room instead.
+    std::vector<char> copy(data, data + size);
+    copy.push_back('\0');
+    FILE *f = fmemopen(copy.data(), size > 0 ? size : 1, "rb");
     if (!f)
         return -1;
-    if (size > 0)
-        std::fwrite(data, 1, size, f);
-    std::rewind(f);
+    if (size == 0)
+        std::fgetc(f); // consume the placeholder: the stream is at its end
     int w = 0, h = 0, d = 0;
     TGA_Info(f, &w, &h, &d);
     int rc = -1;

@@ -2,6 +2,7 @@
 // messages, region clipping, and the black table against the plain scan.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <ctime>
 #include <string>
@@ -16,76 +17,70 @@ using counting::Mask;
 
 namespace {
 
-class BoxCountTest : public ::testing::Test {
-protected:
-    void SetUp() override { SetDefaultOptions(); }
-
-    // Runs a whole computation on the current image; returns what it wrote
-    // to standard error.
-    std::string RunAll()
-    {
-        testing::internal::CaptureStderr();
-        BoxCount(0);
-        while (!BoxCount(1)) {
-        }
-        return testing::internal::GetCapturedStderr();
+// Runs a whole computation on the current image; returns its messages.
+std::string RunAll()
+{
+    testing::internal::CaptureStderr();
+    BoxCount(0);
+    while (!BoxCount(1)) {
     }
+    return testing::internal::GetCapturedStderr();
+}
 
-    std::vector<int> Sizes() const
-    {
-        std::vector<int> s;
-        for (int i = 0; i < nresults; i++)
-            s.push_back(results[i].size);
-        return s;
-    }
-};
+std::vector<int> Column(int RESULT::*field)
+{
+    std::vector<int> v;
+    for (int i = 0; i < nresults; i++)
+        v.push_back(results[i].*field);
+    return v;
+}
 
 } // namespace
 
-TEST_F(BoxCountTest, SizeSequenceRepeatsInEveryOffsetPass)
+TEST(BoxCount, SizeSequences)
 {
-    counting::LoadMask(counting::RandomMask(300, 300, 0.05, 1));
-    options.boxstart = 100;
-    options.boxfactor = 1.5f;
-    options.boxend = 2;
-    options.noffsets = 3;
-    RunAll();
-    const std::vector<int> pass{100, 66, 44, 29, 19, 12, 8, 5, 3, 2};
-    std::vector<int> expected;
-    for (int i = 0; i < 3; i++)
-        expected.insert(expected.end(), pass.begin(), pass.end());
-    EXPECT_EQ(Sizes(), expected);
+    struct Case {
+        int start, end, noffsets;
+        float factor;
+        std::vector<int> sizes;
+    };
+    const Case cases[] = {
+        {100, 2, 2, 1.5f, {100, 66, 44, 29, 19, 12, 8, 5, 3, 2, 100, 66, 44, 29, 19, 12, 8, 5, 3, 2}},
+        // 1.2 held as a float is 1.20000005: 66 / 1.2f truncates to 54 and
+        // 30 to 24, where double arithmetic would give 55 and 25.
+        {80, 6, 1, 1.2f, {80, 66, 54, 45, 37, 30, 24, 20, 16, 13, 10, 8, 6}},
+        // A factor that is not a number ends every pass after its first size.
+        {-1, 6, 3, NAN, {20, 20, 20}},
+    };
+    for (const auto &c : cases) {
+        SetDefaultOptions();
+        counting::LoadMask(counting::RandomMask(100, 100, 0.05, 1));
+        options.boxstart = c.start;
+        options.boxend = c.end;
+        options.noffsets = c.noffsets;
+        options.boxfactor = c.factor;
+        RunAll();
+        EXPECT_EQ(Column(&RESULT::size), c.sizes) << "start " << c.start;
+    }
 }
 
-TEST_F(BoxCountTest, SizesAreDividedInSinglePrecision)
-{
-    // 1.2 held as a float is 1.20000005: 66 / 1.2f is 54.99999 and truncates
-    // to 54, and 30 to 24, where double arithmetic would give 55 and 25.
-    counting::LoadMask(counting::RandomMask(200, 200, 0.05, 2));
-    options.boxstart = 80;
-    options.noffsets = 1;
-    RunAll();
-    EXPECT_EQ(Sizes(), (std::vector<int>{80, 66, 54, 45, 37, 30, 24, 20, 16, 13, 10, 8, 6}));
-}
-
-TEST_F(BoxCountTest, CountsMatchABruteForceCountOfEveryGrid)
+TEST(BoxCount, CountsMatchABruteForceCountOfEveryGrid)
 {
     struct Case {
         int w, h;
         double density;
-        bool region;
-        int left, right, bottom, top;
+        int useregion, left, right, bottom, top;
     };
     const Case cases[] = {
-        {97, 61, 0.02, false, 0, 100000, 0, 100000},
-        {120, 90, 0.3, false, 0, 100000, 0, 100000},
-        {150, 130, 0.01, true, 13, 141, 7, 99},
-        {80, 80, 0.002, true, -20, 500, 30, 200}, // clamped at the image edges
+        {97, 61, 0.02, 0, 0, 100000, 0, 100000},
+        {120, 90, 0.3, 0, 0, 100000, 0, 100000},
+        {150, 130, 0.01, 1, 13, 141, 7, 99},
+        {80, 80, 0.002, 1, -20, 500, 30, 200}, // clamped at the image edges
     };
     for (const auto &c : cases) {
         SetDefaultOptions();
         const Mask m = counting::RandomMask(c.w, c.h, c.density, static_cast<uint32_t>(c.w * c.h));
-        options.useregion = c.region;
+        options.useregion = c.useregion;
         options.left = c.left;
         options.right = c.right;
         options.bottom = c.bottom;
@@ -100,26 +95,27 @@ TEST_F(BoxCountTest, CountsMatchABruteForceCountOfEveryGrid)
             const auto &g = lines[i];
             EXPECT_EQ(g.index, static_cast<int>(i) + 1);
             EXPECT_EQ(g.count, results[i].count);
-            EXPECT_GE(g.offx, 0);
-            EXPECT_LT(g.offx, g.size);
-            EXPECT_EQ(g.count, counting::BruteForceCount(m, options.left, options.right, options.bottom,
-                                                         options.top, g.size, g.offx, g.offy))
+            EXPECT_TRUE(g.offx >= 0 && g.offx < g.size && g.offy >= 0 && g.offy < g.size);
+            EXPECT_EQ(g.count, counting::BruteForceCount(m, options.left, options.right, options.bottom, options.top,
+                                                         g.size, g.offx, g.offy))
                 << "grid " << i << " size " << g.size << " offset " << g.offx << "," << g.offy;
         }
     }
 }
 
-TEST_F(BoxCountTest, MessagesAroundACount)
+TEST(BoxCount, MessagesAndGraphRefreshes)
 {
+    SetDefaultOptions();
     counting::LoadMask(counting::RandomMask(50, 50, 0.1, 4));
     options.quiet = 0;
     options.noffsets = 1;
+    headless::graphupdates = 0;
     std::string err = RunAll();
     EXPECT_EQ(err.rfind("Processing starting \n   Box size:   10 [  1], Total count = ", 0), 0u) << err;
     EXPECT_NE(err.find("\nProcessing finished\nEstimated fractal dimension: "), std::string::npos);
-
-    // A command-line region is announced, followed by an empty line, with
-    // the edges as clamped to the image.
+    EXPECT_EQ(headless::graphupdates, nresults - 1) << "after every pass but the last";
+    // A region is announced with its edges clamped to the image, then an
+    // empty line.
     options.useregion = 1;
     options.left = 5;
     options.right = 900;
@@ -127,29 +123,16 @@ TEST_F(BoxCountTest, MessagesAroundACount)
     options.top = 40;
     err = RunAll();
     EXPECT_EQ(err.rfind("Processing starting on region: (5,2) to (50,40)\n\n", 0), 0u) << err;
-    EXPECT_EQ(options.right, 50);
-
-    // Quiet mode says nothing at all.
+    // Quiet mode says nothing and refreshes nothing.
     options.quiet = 1;
+    headless::graphupdates = 0;
     EXPECT_EQ(RunAll(), "");
-}
-
-TEST_F(BoxCountTest, GraphIsRefreshedAfterEveryPassButTheLast)
-{
-    counting::LoadMask(counting::RandomMask(64, 64, 0.1, 5));
-    options.quiet = 0;
-    options.noffsets = 2;
-    headless::graphupdates = 0;
-    RunAll();
-    EXPECT_EQ(headless::graphupdates, nresults - 1);
-    options.quiet = 1;
-    headless::graphupdates = 0;
-    RunAll();
     EXPECT_EQ(headless::graphupdates, 0);
 }
 
-TEST_F(BoxCountTest, BoxListHoldsTheOccupiedBoxesOfTheGridInProgress)
+TEST(BoxCount, BoxListHoldsTheOccupiedBoxesOfTheGridInProgress)
 {
+    SetDefaultOptions();
     Mask m(40, 40);
     m.Set(3, 3);
     m.Set(30, 35);
@@ -158,7 +141,7 @@ TEST_F(BoxCountTest, BoxListHoldsTheOccupiedBoxesOfTheGridInProgress)
     options.noffsets = 1;
     BoxCount(0);
     int grids = 0;
-    for (int steps = 0; steps < 100000; steps++) {
+    while (true) {
         const int before = nresults;
         if (BoxCount(1))
             break;
@@ -171,51 +154,30 @@ TEST_F(BoxCountTest, BoxListHoldsTheOccupiedBoxesOfTheGridInProgress)
             EXPECT_EQ(b.filled, 1);
             EXPECT_EQ(b.right - b.left, results[nresults - 1].size);
             EXPECT_EQ(b.top - b.bottom, results[nresults - 1].size);
-            const bool holds = (b.left <= 3 && 3 < b.right && b.bottom <= 3 && 3 < b.top) ||
-                               (b.left <= 30 && 30 < b.right && b.bottom <= 35 && 35 < b.top);
-            EXPECT_TRUE(holds);
+            EXPECT_TRUE((b.left <= 3 && 3 < b.right && b.bottom <= 3 && 3 < b.top) ||
+                        (b.left <= 30 && 30 < b.right && b.bottom <= 35 && 35 < b.top));
         }
     }
     EXPECT_GT(grids, 0);
     EXPECT_EQ(nboxlist, 0);
 }
 
-TEST_F(BoxCountTest, FactorThatIsNotANumberEndsEveryPassAfterItsFirstSize)
+TEST(BoxCount, EmptyMisplacedAndTinyRegions)
 {
-    counting::LoadMask(counting::RandomMask(100, 100, 0.1, 6));
-    options.boxfactor = NAN;
-    options.noffsets = 3;
-    RunAll();
-    EXPECT_EQ(Sizes(), (std::vector<int>{20, 20, 20}));
-}
-
-TEST_F(BoxCountTest, EmptyOrMisplacedRegionsCountNothingAndEnd)
-{
-    counting::LoadMask(counting::RandomMask(100, 100, 0.5, 7));
+    SetDefaultOptions();
+    counting::LoadMask(counting::RandomMask(123, 77, 0.5, 7));
+    BoxCount(0);
+    EXPECT_EQ(Column(&RESULT::size), std::vector<int>{77 / 5}) << "a fifth of the smaller side";
     options.useregion = 1;
     options.boxstart = 10;
     options.noffsets = 2;
-    // Left beyond right, and a region wholly outside the image.
     for (auto [l, r, b, t] : {std::array<int, 4>{80, 20, 0, 100}, {300, 400, 0, 100}, {0, 100, 150, 400}}) {
-        options.left = l;
-        options.right = r;
-        options.bottom = b;
-        options.top = t;
+        options.left = l, options.right = r, options.bottom = b, options.top = t;
         RunAll();
-        for (int i = 0; i < nresults; i++)
-            EXPECT_EQ(results[i].count, 0);
+        EXPECT_EQ(Column(&RESULT::count), std::vector<int>(nresults, 0));
     }
-}
-
-TEST_F(BoxCountTest, StartSizeIsAFifthOfTheSmallerSide)
-{
-    counting::LoadMask(counting::RandomMask(123, 77, 0.1, 8));
-    BoxCount(0);
-    EXPECT_EQ(results[0].size, 77 / 5);
-    EXPECT_EQ(nresults, 1);
-    options.useregion = 1;
-    options.left = 10;
-    options.right = 14;
+    options.boxstart = -1;
+    options.left = 10, options.right = 14, options.bottom = 0, options.top = 50;
     BoxCount(0);
     EXPECT_EQ(results[0].size, 0) << "a region under 5 pixels gives size 0";
 }
@@ -226,8 +188,7 @@ TEST(BlackInRect, TableAndPlainScanAgreeOnRandomRectangles)
     for (int round = 0; round < 30; round++) {
         SetDefaultOptions();
         const int w = 1 + static_cast<int>(gen() % 300), h = 1 + static_cast<int>(gen() % 300);
-        const double density = std::pow(10.0, -static_cast<double>(gen() % 5));
-        counting::LoadMask(counting::RandomMask(w, h, density, gen()));
+        counting::LoadMask(counting::RandomMask(w, h, std::pow(10.0, -static_cast<double>(gen() % 5)), gen()));
         // Regions inside, across and outside the image, before and after
         // the counter clamps them.
         options.left = static_cast<int>(gen() % (w + 20)) - 10;
@@ -237,74 +198,48 @@ TEST(BlackInRect, TableAndPlainScanAgreeOnRandomRectangles)
         if (round % 2)
             BoxCount(0);
         for (int i = 0; i < 2000; i++) {
-            const int x0 = static_cast<int>(gen() % (w + 60)) - 30;
-            const int y0 = static_cast<int>(gen() % (h + 60)) - 30;
-            const int x1 = x0 + static_cast<int>(gen() % 80) - 5;
-            const int y1 = y0 + static_cast<int>(gen() % 80) - 5;
+            const int x0 = static_cast<int>(gen() % (w + 60)) - 30, y0 = static_cast<int>(gen() % (h + 60)) - 30;
+            const int x1 = x0 + static_cast<int>(gen() % 80) - 5, y1 = y0 + static_cast<int>(gen() % 80) - 5;
             ASSERT_EQ(BlackInRect(x0, x1, y0, y1), BlackInRectPlain(x0, x1, y0, y1))
                 << w << "x" << h << " rect " << x0 << ".." << x1 << " x " << y0 << ".." << y1;
         }
     }
-}
-
-TEST(BlackInRect, LargeRectanglesAndSinglePixels)
-{
-    // Rectangles of 2^16 pixels and more are read in strips; a lone black
-    // pixel anywhere must still be found, and its absence reported.
+    // Rectangles of 2^16 pixels and more are read in strips: a lone black
+    // pixel is found, and exactly 2^16 black pixels do not read as none.
     SetDefaultOptions();
     Mask m(700, 400);
     m.Set(699, 399);
-    counting::LoadMask(m);
-    BoxCount(0);
-    EXPECT_EQ(BlackInRect(0, 700, 0, 400), 1);
-    EXPECT_EQ(BlackInRect(0, 699, 0, 400), 0);
-    EXPECT_EQ(BlackInRect(0, 700, 0, 399), 0);
-    EXPECT_EQ(BlackInRect(699, 700, 399, 400), 1);
-    EXPECT_EQ(BlackInRect(699, 700, 0, 400), 1);
-    EXPECT_EQ(BlackInRect(0, 700, 399, 400), 1);
-    EXPECT_EQ(BlackInRect(-50, 5000, -70, 9000), 1);
-    // 256 x 256 fully black: exactly 2^16 black pixels must not read as 0.
-    Mask full(300, 300);
     for (int y = 0; y < 256; y++)
         for (int x = 0; x < 256; x++)
-            full.Set(x, y);
-    counting::LoadMask(full);
+            m.Set(x, y);
+    counting::LoadMask(m);
     BoxCount(0);
-    EXPECT_EQ(BlackInRect(0, 256, 0, 256), 1);
-    EXPECT_EQ(BlackInRect(256, 300, 0, 300), 0);
+    const int rects[][5] = {{300, 700, 256, 400, 1}, {300, 699, 0, 400, 0}, {300, 700, 0, 399, 0},
+                            {0, 256, 0, 256, 1},     {256, 700, 0, 399, 0}, {-50, 5000, -70, 9000, 1}};
+    for (const auto &r : rects)
+        EXPECT_EQ(BlackInRect(r[0], r[1], r[2], r[3]), r[4]) << r[0] << ".." << r[1] << " x " << r[2] << ".." << r[3];
 }
 
-TEST(BoxCountTable, SameResultsWithAndWithoutTheBlackTable)
+TEST(BoxCount, SameResultsWithAndWithoutTheBlackTable)
 {
-    // Two full computations started in the same clock second, each after a
-    // computation with the same settings (the first grid's offset depends on
-    // the size the previous run ended with), draw the same offsets; the one
-    // without the table scans every box pixel by pixel.
+    // Two computations started in the same clock second, each after one with
+    // the same settings (the first grid's offset depends on the size the
+    // previous run ended with), draw the same offsets; the one without the
+    // table scans every box pixel by pixel.
     SetDefaultOptions();
     counting::LoadMask(counting::RandomMask(257, 193, 0.01, 11));
     options.noffsets = 4;
     std::vector<int> fast, plain;
     for (int attempt = 0; attempt < 5; attempt++) {
         BuildBlackTable(bwimage, options.width, options.height);
-        BoxCount(0);
-        while (!BoxCount(1)) {
-        }
+        RunAll();
         const time_t t0 = time(nullptr);
-        BoxCount(0);
-        while (!BoxCount(1)) {
-        }
-        fast.clear();
-        for (int i = 0; i < nresults; i++)
-            fast.push_back(results[i].count);
+        RunAll();
+        fast = Column(&RESULT::count);
         FreeBlackTable();
-        BoxCount(0);
-        const time_t t1 = time(nullptr);
-        while (!BoxCount(1)) {
-        }
-        plain.clear();
-        for (int i = 0; i < nresults; i++)
-            plain.push_back(results[i].count);
-        if (t0 == t1)
+        RunAll();
+        plain = Column(&RESULT::count);
+        if (time(nullptr) == t0)
             break;
     }
     EXPECT_EQ(fast, plain);

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -45,136 +46,68 @@ std::string Usage(const std::string &prog, int n, int b1, int b2, const char *bf
            "     -st     top boundary (default: image height)\n";
 }
 
+OPTIONS Defaults()
+{
+    // The whole record, field by field in declaration order.
+    return OPTIONS{0, 0, 400, 300, 0, 0, 0, 1, "no image", 0, -1, 0, 10, 0, -1, 6, 1.2f, 0, 0, 100000, 100000, 0};
+}
+
 } // namespace
 
-TEST(Settings, DefaultsOfAllFields)
-{
-    Parse({});
-    EXPECT_EQ(options.quiet, 0);
-    EXPECT_EQ(options.debug, 0);
-    EXPECT_EQ(options.screenwidth, 400);
-    EXPECT_EQ(options.screenheight, 300);
-    EXPECT_EQ(options.width, 0);
-    EXPECT_EQ(options.height, 0);
-    EXPECT_EQ(options.depth, 0);
-    EXPECT_EQ(options.scale, 1);
-    EXPECT_STREQ(options.imagename, "no image");
-    EXPECT_EQ(options.writerequest, 0);
-    EXPECT_EQ(options.mousebutton, -1);
-    EXPECT_EQ(options.invert, 0);
-    EXPECT_EQ(options.noffsets, 10);
-    EXPECT_EQ(options.processing, 0);
-    EXPECT_EQ(options.boxstart, -1);
-    EXPECT_EQ(options.boxend, 6);
-    EXPECT_EQ(options.boxfactor, 1.2f);
-    EXPECT_EQ(options.useregion, 0);
-    EXPECT_EQ(options.left, 0);
-    EXPECT_EQ(options.right, 100000);
-    EXPECT_EQ(options.top, 100000);
-    EXPECT_EQ(options.bottom, 0);
-    EXPECT_EQ(versionnumber, 101);
-}
-
-TEST(CommandLine, FlagsAndValuedOptions)
-{
-    Parse({"-d", "-q", "-p", "-bw", "-i", "pic.tga", "-n", "4", "-b1", "50", "-b2", "3", "-bf", "1.5"});
-    EXPECT_EQ(options.debug, 1);
-    EXPECT_EQ(options.quiet, 1);
-    EXPECT_EQ(options.processing, 1);
-    EXPECT_EQ(options.invert, 1);
-    EXPECT_STREQ(inputname, "pic.tga");
-    EXPECT_EQ(options.noffsets, 4);
-    EXPECT_EQ(options.boxstart, 50);
-    EXPECT_EQ(options.boxend, 3);
-    EXPECT_EQ(options.boxfactor, 1.5f);
-    EXPECT_EQ(options.useregion, 0);
-}
-
-TEST(CommandLine, CorrectionRules)
+TEST(CommandLine, EveryOptionItsCorrectionsAndQuirks)
 {
     struct Case {
         std::vector<std::string> args;
-        int boxstart, boxend, noffsets;
-        float boxfactor;
+        std::function<void(OPTIONS &)> change; // from the defaults
+        std::string input = "";
+        REGION region = {0, 100000, 100000, 0};
     };
     const Case cases[] = {
-        {{"-b1", "1"}, -1, 6, 10, 1.2f},
-        {{"-b1", "2"}, 2, 6, 10, 1.2f},
-        {{"-b1", "-7"}, -1, 6, 10, 1.2f},
-        {{"-b2", "0"}, -1, 1, 10, 1.2f},
-        {{"-b2", "1"}, -1, 1, 10, 1.2f},
-        {{"-n", "0"}, -1, 6, 1, 1.2f},
-        {{"-n", "-5"}, -1, 6, 1, 1.2f},
-        {{"-n", "abc"}, -1, 6, 1, 1.2f},
-        {{"-n", "12xyz"}, -1, 6, 12, 1.2f},
-        {{"-bf", "1"}, -1, 6, 10, 1.1f},
-        {{"-bf", "0.5"}, -1, 6, 10, 1.1f},
-        {{"-bf", "junk"}, -1, 6, 10, 1.1f},
-        {{"-bf", "1.0001"}, -1, 6, 10, 1.0001f},
+        {{}, [](OPTIONS &) {}},
+        {{"-d", "-q", "-p", "-bw"}, [](OPTIONS &o) { o.debug = o.quiet = o.processing = o.invert = 1; }},
+        {{"-i", "pic.tga", "-n", "4", "-b1", "50", "-b2", "3", "-bf", "1.5"},
+         [](OPTIONS &o) { o.noffsets = 4, o.boxstart = 50, o.boxend = 3, o.boxfactor = 1.5f; }, "pic.tga"},
+        {{"-b1", "1"}, [](OPTIONS &) {}},
+        {{"-b1", "2"}, [](OPTIONS &o) { o.boxstart = 2; }},
+        {{"-b2", "0"}, [](OPTIONS &o) { o.boxend = 1; }},
+        {{"-n", "-5"}, [](OPTIONS &o) { o.noffsets = 1; }},
+        {{"-n", "12xyz"}, [](OPTIONS &o) { o.noffsets = 12; }},
+        {{"-bf", "1"}, [](OPTIONS &o) { o.boxfactor = 1.1f; }},
+        {{"-bf", "junk"}, [](OPTIONS &o) { o.boxfactor = 1.1f; }},
+        {{"-bf", "1.0001"}, [](OPTIONS &o) { o.boxfactor = 1.0001f; }},
+        // Region options read their value without stepping over it; the
+        // parser keeps its own copy of each edge as written.
+        {{"-sl", "10", "-sr", "200"}, [](OPTIONS &o) { o.useregion = 1, o.left = 10, o.right = 200; }, "",
+         {10, 200, 100000, 0}},
+        // ... so a value that spells an option reads as 0 and then acts.
+        {{"-sl", "-q"}, [](OPTIONS &o) { o.useregion = o.quiet = 1, o.left = 0; }, "", {0, 100000, 100000, 0}},
+        {{"-st", "-sb", "7"}, [](OPTIONS &o) { o.useregion = 1, o.top = 0, o.bottom = 7; }, "", {0, 100000, 0, 7}},
+        // A valued option given last reads an empty value.
+        {{"-n"}, [](OPTIONS &o) { o.noffsets = 1; }},
+        {{"-bf"}, [](OPTIONS &o) { o.boxfactor = 1.1f; }},
+        {{"-st"}, [](OPTIONS &o) { o.useregion = 1, o.top = 0; }, "", {0, 100000, 0, 0}},
+        {{"-i", "x.tga", "-i"}, [](OPTIONS &) {}},
+        // Unknown words and other cases are ignored.
+        {{"-Q", "--quiet", "-qq", "q", "-N", "3", "-I", "f"}, [](OPTIONS &) {}},
+        {{"-i", std::string(1000, 'x')}, [](OPTIONS &) {}, std::string(255, 'x')},
     };
     for (const auto &c : cases) {
+        OPTIONS want = Defaults();
+        c.change(want);
         Parse(c.args);
-        EXPECT_EQ(options.boxstart, c.boxstart) << c.args[0] << " " << c.args[1];
-        EXPECT_EQ(options.boxend, c.boxend) << c.args[0] << " " << c.args[1];
-        EXPECT_EQ(options.noffsets, c.noffsets) << c.args[0] << " " << c.args[1];
-        EXPECT_EQ(options.boxfactor, c.boxfactor) << c.args[0] << " " << c.args[1];
+        std::string line;
+        for (const auto &a : c.args)
+            line += a.substr(0, 20) + " ";
+        EXPECT_EQ(std::memcmp(&options, &want, sizeof want), 0) << line;
+        EXPECT_EQ(inputname, c.input) << line;
+        EXPECT_EQ(regionargs.left, c.region.left) << line;
+        EXPECT_EQ(regionargs.right, c.region.right) << line;
+        EXPECT_EQ(regionargs.top, c.region.top) << line;
+        EXPECT_EQ(regionargs.bottom, c.region.bottom) << line;
     }
-    // A factor that reads as NaN is kept as it is.
+    EXPECT_EQ(versionnumber, 101);
     Parse({"-bf", "nan"});
-    EXPECT_TRUE(std::isnan(options.boxfactor));
-}
-
-TEST(CommandLine, RegionOptionsDoNotStepOverTheirValue)
-{
-    Parse({"-sl", "10", "-sr", "200"});
-    EXPECT_EQ(options.left, 10);
-    EXPECT_EQ(options.right, 200);
-    EXPECT_EQ(options.useregion, 1);
-    EXPECT_EQ(regionargs.left, 10);
-    EXPECT_EQ(regionargs.right, 200);
-    EXPECT_EQ(regionargs.top, 100000);
-    EXPECT_EQ(regionargs.bottom, 0);
-
-    // A value that spells an option reads as 0 and then acts as that option.
-    Parse({"-sl", "-q"});
-    EXPECT_EQ(options.left, 0);
-    EXPECT_EQ(options.quiet, 1);
-    Parse({"-st", "-sb", "7"});
-    EXPECT_EQ(options.top, 0);
-    EXPECT_EQ(options.bottom, 7);
-    EXPECT_EQ(regionargs.top, 0);
-    EXPECT_EQ(regionargs.bottom, 7);
-}
-
-TEST(CommandLine, ValuedOptionGivenLastReadsEmptyValue)
-{
-    Parse({"-n"});
-    EXPECT_EQ(options.noffsets, 1);
-    Parse({"-b1"});
-    EXPECT_EQ(options.boxstart, -1);
-    Parse({"-bf"});
-    EXPECT_EQ(options.boxfactor, 1.1f);
-    Parse({"-st"});
-    EXPECT_EQ(options.top, 0);
-    EXPECT_EQ(options.useregion, 1);
-    Parse({"-i", "x.tga", "-i"});
-    EXPECT_STREQ(inputname, "");
-}
-
-TEST(CommandLine, UnknownWordsAndCaseAreIgnored)
-{
-    Parse({"-Q", "--quiet", "-qq", "q", "-N", "3", "-I", "f"});
-    EXPECT_EQ(options.quiet, 0);
-    EXPECT_EQ(options.noffsets, 10);
-    EXPECT_STREQ(inputname, "");
-}
-
-TEST(CommandLine, LongInputNameIsTruncatedNotOverflowed)
-{
-    const std::string name(1000, 'x');
-    Parse({"-i", name});
-    EXPECT_EQ(std::strlen(inputname), 255u);
-    EXPECT_EQ(std::string(inputname), name.substr(0, 255));
+    EXPECT_TRUE(std::isnan(options.boxfactor)) << "a factor that reads as NaN is kept";
 }
 
 TEST(Program, UsageTextExactlyAndExitStatus)

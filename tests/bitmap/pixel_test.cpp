@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -9,123 +10,65 @@
 
 namespace {
 
-const BitmapPixel kInk{9, 8, 7, 6};
-const BitmapPixel kPaper{0, 0, 0, 0};
-
-struct Image {
-    int w, h;
-    std::vector<BitmapPixel> px;
-    Image(int width, int height) : w(width), h(height), px(Bitmap_PixelCount(width, height), kPaper) {}
-    std::set<std::pair<int, int>> Inked() const
-    {
-        std::set<std::pair<int, int>> s;
-        for (int y = 0; y < h; y++)
-            for (int x = 0; x < w; x++)
-                if (Same_BitmapPixel(px[x + y * w], kInk))
-                    s.insert({x, y});
-        return s;
-    }
-};
-
-void ExpectPixel(BitmapPixel p, int r, int g, int b, int a)
+std::string Str(BitmapPixel p)
 {
-    EXPECT_EQ(p.r, r);
-    EXPECT_EQ(p.g, g);
-    EXPECT_EQ(p.b, b);
-    EXPECT_EQ(p.a, a);
+    return std::to_string(p.r) + "," + std::to_string(p.g) + "," + std::to_string(p.b) + "," + std::to_string(p.a);
 }
+
+const BitmapPixel kInk{9, 8, 7, 6};
 
 } // namespace
 
-TEST(Pixel, RecordIsFourBytesRedFirst)
+TEST(Pixel, LayoutBoundsAndSizes)
 {
     BitmapPixel p{1, 2, 3, 4};
-    const unsigned char *bytes = reinterpret_cast<const unsigned char *>(&p);
     EXPECT_EQ(sizeof p, 4u);
-    EXPECT_EQ(bytes[0], 1);
-    EXPECT_EQ(bytes[3], 4);
-}
-
-TEST(Pixel, CreateEraseAndIndexLayout)
-{
-    BitmapPixel *bm = Create_Bitmap(3, 2);
-    ASSERT_NE(bm, nullptr);
-    Erase_Bitmap(bm, 3, 2, BitmapPixel{10, 20, 30, 40});
-    ExpectPixel(Get_Pixel(bm, 3, 2, 2, 1), 10, 20, 30, 40);
-    // Pixel (x, y) is element x + y * width.
-    EXPECT_EQ(Draw_Pixel(bm, 3, 2, 1, 1, kInk), 1);
-    EXPECT_TRUE(Same_BitmapPixel(bm[1 + 1 * 3], kInk));
-    Destroy_Bitmap(bm);
-    Destroy_Bitmap(nullptr);
-}
-
-TEST(Pixel, CreateRefusesSizesThatCannotBeAllocated)
-{
-    // 32767 x 32767 x 4 bytes does not fit in an int but is a valid request;
-    // only sizes beyond the address space must give null.
+    EXPECT_EQ(reinterpret_cast<unsigned char *>(&p)[0], 1) << "red first in memory";
+    std::vector<BitmapPixel> im(4 * 3);
+    Erase_Bitmap(im.data(), 4, 3, {10, 20, 30, 40});
+    EXPECT_EQ(Str(Get_Pixel(im.data(), 4, 3, 3, 2)), "10,20,30,40");
+    // Inside when 0 <= x < width and 0 <= y < height; outside reads opaque black.
+    const int cases[][3] = {{-1, 0, 0}, {4, 0, 0}, {0, -1, 0}, {0, 3, 0}, {3, 2, 1}, {1, 1, 1}};
+    for (const auto &c : cases) {
+        EXPECT_EQ(Draw_Pixel(im.data(), 4, 3, c[0], c[1], kInk), c[2]) << c[0] << "," << c[1];
+        EXPECT_EQ(Str(Get_Pixel(im.data(), 4, 3, c[0], c[1])), c[2] ? "9,8,7,6" : "0,0,0,255");
+    }
+    EXPECT_TRUE(Same_BitmapPixel(im[1 + 1 * 4], kInk)) << "pixel (x, y) is element x + y * width";
+    EXPECT_FALSE(Same_BitmapPixel({1, 2, 3, 4}, {1, 2, 3, 5})) << "alpha counts";
+    // 32767 x 32767 x 4 bytes overflows an int; sides below 1 give no pixels.
     EXPECT_EQ(Bitmap_PixelCount(32767, 32767), size_t(32767) * 32767);
     EXPECT_EQ(Bitmap_PixelCount(-3, -5), 0u);
-    EXPECT_EQ(Bitmap_PixelCount(0, 5), 0u);
     BitmapPixel *empty = Create_Bitmap(0, 7);
     EXPECT_NE(empty, nullptr);
     Destroy_Bitmap(empty);
+    Destroy_Bitmap(nullptr);
 }
 
-TEST(Pixel, BoundsOfDrawAndGet)
+TEST(Pixel, FlipsRowsOrColumnsOnly)
 {
-    Image im(4, 3);
-    const int cases[][3] = {{-1, 0, 0}, {4, 0, 0}, {0, -1, 0}, {0, 3, 0}, {3, 2, 1}, {0, 0, 1}};
-    for (const auto &c : cases) {
-        EXPECT_EQ(Draw_Pixel(im.px.data(), 4, 3, c[0], c[1], kInk), c[2]) << c[0] << "," << c[1];
-        if (!c[2])
-            ExpectPixel(Get_Pixel(im.px.data(), 4, 3, c[0], c[1]), 0, 0, 0, 255);
-    }
-    EXPECT_EQ(im.Inked().size(), 2u);
-}
-
-TEST(Pixel, SameComparesAlphaToo)
-{
-    EXPECT_TRUE(Same_BitmapPixel({1, 2, 3, 4}, {1, 2, 3, 4}));
-    EXPECT_FALSE(Same_BitmapPixel({1, 2, 3, 4}, {1, 2, 3, 5}));
-    EXPECT_FALSE(Same_BitmapPixel({0, 2, 3, 4}, {1, 2, 3, 4}));
-}
-
-TEST(Pixel, FlipRowsColumnsAndOthers)
-{
-    // A 3 x 3 image numbered 0..8 in memory order.
-    auto make = [] {
-        std::vector<BitmapPixel> v(9);
-        for (int i = 0; i < 9; i++)
-            v[i] = BitmapPixel{static_cast<unsigned char>(i), 0, 0, 255};
-        return v;
-    };
-    auto order = [](const std::vector<BitmapPixel> &v) {
-        std::vector<int> o;
+    auto flipped = [](int w, int h, int dir) {
+        std::vector<BitmapPixel> v(static_cast<size_t>(w) * h);
+        for (size_t i = 0; i < v.size(); i++)
+            v[i].r = static_cast<unsigned char>(i);
+        Flip_Bitmap(v.data(), w, h, dir);
+        std::string s;
         for (const auto &p : v)
-            o.push_back(p.r);
-        return o;
+            s += std::to_string(p.r);
+        return s;
     };
-    auto v = make();
-    Flip_Bitmap(v.data(), 3, 3, 0);
-    EXPECT_EQ(order(v), (std::vector<int>{6, 7, 8, 3, 4, 5, 0, 1, 2}));
-    v = make();
-    Flip_Bitmap(v.data(), 3, 3, 1);
-    EXPECT_EQ(order(v), (std::vector<int>{2, 1, 0, 5, 4, 3, 8, 7, 6}));
-    v = make();
-    Flip_Bitmap(v.data(), 3, 3, 2);
-    EXPECT_EQ(order(v), (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
-    // A single row flipped top to bottom, a single column left to right: unchanged.
-    v = make();
-    Flip_Bitmap(v.data(), 9, 1, 0);
-    Flip_Bitmap(v.data(), 1, 9, 1);
-    EXPECT_EQ(order(v), (std::vector<int>{0, 1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(flipped(3, 3, 0), "678345012");
+    EXPECT_EQ(flipped(3, 3, 1), "210543876");
+    EXPECT_EQ(flipped(3, 3, 2), "012345678");
+    EXPECT_EQ(flipped(9, 1, 0), "012345678");
+    EXPECT_EQ(flipped(1, 9, 1), "012345678");
 }
 
 TEST(Pixel, LineSamplesEveryHalfPixelAndTruncates)
 {
+    using Set = std::set<std::pair<int, int>>;
     struct Case {
         int x1, y1, x2, y2;
-        std::set<std::pair<int, int>> expected;
+        Set expected;
     };
     // Worked out by hand from the half-pixel sampling rule.
     const Case cases[] = {
@@ -134,30 +77,29 @@ TEST(Pixel, LineSamplesEveryHalfPixelAndTruncates)
         {3, 0, 0, 0, {{0, 0}, {1, 0}, {2, 0}, {3, 0}}},
         // Length sqrt(20) is not whole: the samples stop short of (4, 2).
         {0, 0, 4, 2, {{0, 0}, {1, 0}, {2, 1}, {3, 1}}},
-        // Length 5: t runs to 10, mu to 5, and the far end is reached.
         {0, 0, 3, 4, {{0, 0}, {0, 1}, {1, 1}, {1, 2}, {2, 2}, {2, 3}, {3, 4}}},
-        // Runs off the image on both sides: only inside pixels are set.
+        // Off the image on both sides: only inside pixels are set.
         {-2, 1, 7, 1, {{0, 1}, {1, 1}, {2, 1}, {3, 1}, {4, 1}}},
     };
     for (const auto &c : cases) {
-        Image im(5, 5);
-        Draw_Line(im.px.data(), 5, 5, c.x1, c.y1, c.x2, c.y2, kInk);
-        EXPECT_EQ(im.Inked(), c.expected) << c.x1 << "," << c.y1 << " to " << c.x2 << "," << c.y2;
+        std::vector<BitmapPixel> im(25, BitmapPixel{0, 0, 0, 0});
+        Draw_Line(im.data(), 5, 5, c.x1, c.y1, c.x2, c.y2, kInk);
+        Set got;
+        for (int i = 0; i < 25; i++)
+            if (Same_BitmapPixel(im[i], kInk))
+                got.insert({i % 5, i / 5});
+        EXPECT_EQ(got, c.expected) << c.x1 << "," << c.y1 << " to " << c.x2 << "," << c.y2;
     }
 }
 
-TEST(Pixel, ScaleClampsEveryChannelIncludingAlpha)
+TEST(Pixel, ScaleAndYuvTruncateThenClamp)
 {
-    ExpectPixel(Scale_Pixel({200, 100, 0, 255}, 2.0), 255, 200, 0, 255);
-    ExpectPixel(Scale_Pixel({200, 100, 0, 255}, -1.0), 0, 0, 0, 0);
-    ExpectPixel(Scale_Pixel({200, 101, 3, 255}, 0.5), 100, 50, 1, 127);
-}
-
-TEST(Pixel, YuvToRgbTruncatesThenClamps)
-{
-    ExpectPixel(YUV_to_Bitmap(128, 128, 128), 128, 128, 128, 0);
-    // G = 255 - 0.698001 * 127 = 166.35 -> 166; R and B clamp.
-    ExpectPixel(YUV_to_Bitmap(255, 128, 255), 255, 166, 255, 0);
-    // B = 10 + 1.732446 * -128 is negative -> 0; G = 10 + 43.2 = 53.
-    ExpectPixel(YUV_to_Bitmap(10, 0, 128), 10, 53, 0, 0);
+    EXPECT_EQ(Str(Scale_Pixel({200, 100, 0, 255}, 2.0)), "255,200,0,255");
+    EXPECT_EQ(Str(Scale_Pixel({200, 100, 0, 255}, -1.0)), "0,0,0,0");
+    EXPECT_EQ(Str(Scale_Pixel({200, 101, 3, 255}, 0.5)), "100,50,1,127") << "alpha is scaled too";
+    EXPECT_EQ(Str(YUV_to_Bitmap(128, 128, 128)), "128,128,128,0");
+    // G = 255 - 0.698001 * 127 = 166.35; R and B clamp at 255.
+    EXPECT_EQ(Str(YUV_to_Bitmap(255, 128, 255)), "255,166,255,0");
+    // B = 10 - 1.732446 * 128 < 0; G = 10 + 0.337633 * 128 = 53.2.
+    EXPECT_EQ(Str(YUV_to_Bitmap(10, 0, 128)), "10,53,0,0");
 }

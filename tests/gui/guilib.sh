@@ -1,173 +1,94 @@
-# Helpers for driving the real program on a virtual X server: start Xvfb,
-# start and watch the program, find windows, send keys and clicks, take
-# screenshots and check their pixels. Every wait polls for an effect every
-# 50 ms and gives up after a timeout; nothing sleeps a fixed time.
-#
-# Source it, set OUT (a scratch directory) and call gui_begin.
+# Helpers for driving the real program on a virtual X server. Every wait
+# polls for an effect every 50 ms and gives up after a timeout (seconds,
+# default 10); nothing sleeps a fixed time to let something happen.
+# Set OUT (a scratch directory) and TALVOR, source this, call gui_begin.
 
 PIXCHECK="$(dirname "${BASH_SOURCE[0]}")/pixcheck.py"
-PASSED=0
-FAILED=0
-PROG_PID=""
-XVFB_PID=""
+PASSED=0 FAILED=0 PROG_PID="" XVFB_PID="" RUNS=0 MARK=0
 
 gui_begin() {
     mkdir -p "$OUT"
-    trap gui_cleanup EXIT
-    start_xvfb "${1:-1280x1024x24}"
-}
-
-gui_cleanup() {
-    [ -n "$PROG_PID" ] && kill "$PROG_PID" 2>/dev/null
-    [ -n "$XVFB_PID" ] && kill "$XVFB_PID" 2>/dev/null
-    wait 2>/dev/null
-}
-
-start_xvfb() {
-    rm -f "$OUT/dpy"
+    trap '[ -n "$PROG_PID" ] && kill $PROG_PID; [ -n "$XVFB_PID" ] && kill $XVFB_PID; wait' EXIT
     Xvfb -displayfd 3 -screen 0 "$1" -nolisten tcp -noreset 3>"$OUT/dpy" >"$OUT/xvfb.log" 2>&1 &
     XVFB_PID=$!
-    local i
-    for i in $(seq 1 200); do
-        [ -s "$OUT/dpy" ] && break
-        sleep 0.05
-    done
-    if [ ! -s "$OUT/dpy" ]; then
-        echo "FATAL: Xvfb did not start"; cat "$OUT/xvfb.log"; exit 1
-    fi
+    poll 10 test -s "$OUT/dpy" || { echo "FATAL: Xvfb did not start"; cat "$OUT/xvfb.log"; exit 1; }
     export DISPLAY=":$(cat "$OUT/dpy")"
     # Focus the root once: keys then go to the window under the pointer.
     xdotool windowfocus "$(xwininfo -root | awk '/Window id/{print $4}')" 2>/dev/null
     return 0
 }
 
-# start_program ARGS...: runs the program in the background, standard error
-# to $OUT/err.log, standard output to $OUT/out.log.
-RUNS=0
+# poll TIMEOUT COMMAND...: runs the command every 50 ms until it succeeds.
+poll() {
+    local n=$(($1 * 20)) i
+    shift
+    for ((i = 0; i < n; i++)); do
+        "$@" 2>/dev/null && return 0
+        sleep 0.05
+    done
+    return 1
+}
+
+# start_program ARGS...: in the background, standard error to $OUT/err.log
+# (earlier runs' logs are kept as err-1.log, ...), standard output to out.log.
 start_program() {
-    # Earlier runs' logs are kept as err-1.log, err-2.log, ...
     [ -s "$OUT/err.log" ] && cp "$OUT/err.log" "$OUT/err-$RUNS.log"
-    RUNS=$((RUNS + 1))
-    : >"$OUT/err.log"
+    RUNS=$((RUNS + 1)) MARK=0
     "$TALVOR" "$@" >"$OUT/out.log" 2>"$OUT/err.log" &
     PROG_PID=$!
-    MARK=0
 }
 
-# exited_with STATUS: the program ends (within 10 s) with that exit status.
-# Not for use in a command substitution: only this shell can reap it.
+# exited_with STATUS: the program ends within 10 s with that status.
 exited_with() {
-    local i
-    for i in $(seq 1 200); do
-        if ! kill -0 "$PROG_PID" 2>/dev/null; then
-            wait "$PROG_PID"
-            local rc=$?
-            PROG_PID=""
-            [ "$rc" = "$1" ]
-            return
-        fi
-        sleep 0.05
-    done
-    return 1
+    poll 10 not_running || return 1
+    wait "$PROG_PID"
+    local rc=$?
+    PROG_PID=""
+    [ "$rc" = "$1" ]
 }
 
-# mark: only log lines written after this count for wait_log.
-mark() { MARK=$(wc -l <"$OUT/err.log"); }
-
-# wait_log REGEX [TIMEOUT]: a new line matching REGEX appears.
-wait_log() {
-    local n=$(( ${2:-10} * 20 )) i
-    for i in $(seq 1 "$n"); do
-        tail -n +"$((MARK + 1))" "$OUT/err.log" | grep -qE -- "$1" && return 0
-        sleep 0.05
-    done
-    return 1
-}
-
-# new_lines REGEX: how many lines matching REGEX came after the mark.
+not_running() { ! kill -0 "$PROG_PID"; }
+mark() { MARK=$(wc -l <"$OUT/err.log"); }                      # later lines only...
 new_lines() { tail -n +"$((MARK + 1))" "$OUT/err.log" | grep -cE -- "$1"; }
+has_line() { [ "$(new_lines "$1")" -gt 0 ]; }
+wait_log() { poll "${2:-10}" has_line "$1"; }                  # ...for these two
 
-# wait_window REGEX [TIMEOUT]: prints the id of a visible window whose name
-# matches; fails when none appears.
-wait_window() {
-    local n=$(( ${2:-10} * 20 )) i w
-    for i in $(seq 1 "$n"); do
-        w=$(xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n 1)
-        [ -n "$w" ] && { echo "$w"; return 0; }
-        sleep 0.05
+find_window() { xdotool search --onlyvisible --name "$1" | head -n 1 | grep .; }
+wait_window() { poll "${2:-10}" find_window "$1" >/dev/null && find_window "$1"; }
+window_size() { xwininfo -id "$1" | awk '/Width:/{w=$2} /Height:/{h=$2} END{print w "x" h}'; }
+find_form() {
+    local w
+    for w in $(xdotool search --onlyvisible --class XForm); do
+        [ "$(window_size "$w")" = "$1" ] && { echo "$w"; return 0; }
     done
     return 1
 }
-
-# wait_form WxH [TIMEOUT]: the id of a visible XForms window of that size.
-wait_form() {
-    local n=$(( ${2:-10} * 20 )) i w
-    for i in $(seq 1 "$n"); do
-        for w in $(xdotool search --onlyvisible --class XForm 2>/dev/null); do
-            [ "$(window_size "$w")" = "$1" ] && { echo "$w"; return 0; }
-        done
-        sleep 0.05
-    done
-    return 1
-}
-
-# wait_gone WID [TIMEOUT]: the window is no longer viewable.
-wait_gone() {
-    local n=$(( ${2:-10} * 20 )) i
-    for i in $(seq 1 "$n"); do
-        xwininfo -id "$1" 2>/dev/null | grep -q 'IsViewable' || return 0
-        sleep 0.05
-    done
-    return 1
-}
-
-window_size() { xwininfo -id "$1" 2>/dev/null | awk '/Width:/{w=$2} /Height:/{h=$2} END{print w "x" h}'; }
-window_name() { xdotool getwindowname "$1" 2>/dev/null; }
-
-# wait_size WID WxH [TIMEOUT]
-wait_size() {
-    local n=$(( ${3:-10} * 20 )) i
-    for i in $(seq 1 "$n"); do
-        [ "$(window_size "$1")" = "$2" ] && return 0
-        sleep 0.05
-    done
-    return 1
-}
-
-# wait_name WID NAME [TIMEOUT]: the window's title becomes NAME.
-wait_name() {
-    local n=$(( ${3:-10} * 20 )) i
-    for i in $(seq 1 "$n"); do
-        [ "$(window_name "$1")" = "$2" ] && return 0
-        sleep 0.05
-    done
-    return 1
-}
+form_shown() { find_form "$1" >/dev/null; }
+wait_form() { poll "${2:-10}" find_form "$1" >/dev/null && find_form "$1"; }
+hidden() { ! xwininfo -id "$1" 2>/dev/null | grep -q IsViewable; }
+wait_gone() { poll 10 hidden "$1"; }
+size_is() { [ "$(window_size "$1")" = "$2" ]; }
+wait_size() { poll 10 size_is "$1" "$2"; }
+name_is() { [ "$(xdotool getwindowname "$1")" = "$2" ]; }
+wait_name() { poll 10 name_is "$1" "$2"; }
 
 shot() { xwd -id "$1" -silent >"$2"; }
-
+pixels() { /usr/bin/python3 "$PIXCHECK" "$@" >"$OUT/pixcheck.log" 2>&1; }
+shot_passes() {
+    local w=$1 f=$2
+    shift 2
+    shot "$w" "$f" && pixels "$f" "$@"
+}
 # wait_pixels TIMEOUT WID FILE CHECK...: screenshots until the checks pass.
 wait_pixels() {
-    local n=$(( $1 * 4 )) w=$2 f=$3 i
-    shift 3
-    for i in $(seq 1 "$n"); do
-        shot "$w" "$f" && /usr/bin/python3 "$PIXCHECK" "$f" "$@" >"$OUT/pixcheck.log" 2>&1 && return 0
-        sleep 0.2
-    done
-    cat "$OUT/pixcheck.log"
-    return 1
+    local t=$1
+    shift
+    poll "$t" shot_passes "$@" || { cat "$OUT/pixcheck.log"; return 1; }
 }
 
 key() { xdotool key --window "$1" "$2" 2>/dev/null || true; }
-
-# click WID X Y [BUTTON]: a real (XTEST) click at window-relative X, Y.
-click() {
-    xdotool mousemove --window "$1" "$2" "$3" 2>/dev/null
-    xdotool click "${4:-1}" 2>/dev/null
-}
-
-# type_into FORM X Y TEXT: clicks into an input, clears it, types, ends the
-# edit with Return.
+click() { xdotool mousemove --window "$1" "$2" "$3" click "${4:-1}" 2>/dev/null; }
+# type_into WID X Y TEXT: clicks into an input, clears it, types, Return.
 type_into() {
     xdotool windowfocus --sync "$1" 2>/dev/null
     click "$1" "$2" "$3"
@@ -176,7 +97,8 @@ type_into() {
     xdotool key Return 2>/dev/null
 }
 
-# check NAME COMMAND...: runs a check and records it.
+# check NAME COMMAND...: runs and records a check; on failure shows the log
+# tail and keeps a root screenshot.
 check() {
     local name=$1
     shift
@@ -186,9 +108,8 @@ check() {
     else
         echo "FAIL $name"
         FAILED=$((FAILED + 1))
-        echo "--- last lines of the program's log:"
-        tail -n 15 "$OUT/err.log" 2>/dev/null
-        xwd -root -silent >"$OUT/fail-$FAILED-root.xwd" 2>/dev/null
+        tail -n 15 "$OUT/err.log"
+        xwd -root -silent >"$OUT/fail-$FAILED-root.xwd"
     fi
 }
 
