@@ -72,6 +72,18 @@ inline int BruteForceCount(const Mask &m, int left, int right, int bottom, int t
     return count;
 }
 
+// Makes results the given (size, count) records, in storage of the test's
+// own (the counter moves records to a block of its own when it next grows).
+inline void SetResults(const std::vector<std::pair<int, int>> &records)
+{
+    static std::vector<RESULT> storage;
+    storage.clear();
+    for (auto [size, count] : records)
+        storage.push_back(RESULT{size, count, 0});
+    results = storage.data();
+    nresults = static_cast<int>(storage.size());
+}
+
 // One "   Box size: ..." progress line.
 struct GridLine {
     int size = 0, index = 0, noffset = 0, noffsets = 0, offx = 0, offy = 0, count = 0;

@@ -7,22 +7,8 @@
 
 #include "estimate.h"
 #include "regress.h"
+#include "counting_fixture.h"
 #include "settings.h"
-
-namespace {
-
-std::vector<RESULT> storage;
-
-void SetResults(const std::vector<std::pair<int, int>> &records)
-{
-    storage.clear();
-    for (auto [size, count] : records)
-        storage.push_back(RESULT{size, count, 0});
-    results = storage.data();
-    nresults = static_cast<int>(storage.size());
-}
-
-} // namespace
 
 TEST(LineFit, HandWorkedFitsAndFailuresInBothPrecisions)
 {
@@ -71,22 +57,22 @@ TEST(LineFit, HandWorkedFitsAndFailuresInBothPrecisions)
 
 TEST(CalcSlope, SentinelsAndAnExactPowerLaw)
 {
-    SetResults({{100, 5}, {66, 9}, {44, 20}});
+    counting::SetResults({{100, 5}, {66, 9}, {44, 20}});
     EXPECT_EQ(CalcSlope(), -1.0) << "fewer than 4 records";
-    SetResults({{100, 5}, {66, 9}, {100, 4}, {66, 12}});
+    counting::SetResults({{100, 5}, {66, 9}, {100, 4}, {66, 12}});
     EXPECT_EQ(CalcSlope(), 0.0) << "only 2 distinct sizes";
     // A filled 1024 square: N(s) = (1024 / s)^2.
     std::vector<std::pair<int, int>> recs;
     for (int s = 512; s >= 4; s /= 2)
         recs.push_back({s, (1024 / s) * (1024 / s)});
-    SetResults(recs);
+    counting::SetResults(recs);
     EXPECT_NEAR(CalcSlope(), 2.0, 1e-5);
 }
 
 TEST(LogLogPoints, RepeatedSizesKeepTheirSmallestCount)
 {
     // Three passes over 100, 66, 44, 29: 12 records, 4 points.
-    SetResults({{100, 9}, {66, 20}, {44, 41}, {29, 90}, {100, 8}, {66, 22},
+    counting::SetResults({{100, 9}, {66, 20}, {44, 41}, {29, 90}, {100, 8}, {66, 22},
                 {44, 40}, {29, 95}, {100, 10}, {66, 21}, {44, 43}, {29, 88}});
     std::vector<float> X, Y;
     BuildLogLogPoints(&X, &Y);
@@ -102,11 +88,11 @@ TEST(LogLogPoints, RepeatedSizesKeepTheirSmallestCount)
     LinRegress(dx.data(), dy.data(), 4, &a, &b, &r);
     EXPECT_NEAR(CalcSlope(), b, 1e-5);
     // Zero counts: a repeat lowers its point to 0; a new size starts at 0.
-    SetResults({{100, 5}, {66, 9}, {44, 0}, {100, 0}});
+    counting::SetResults({{100, 5}, {66, 9}, {44, 0}, {100, 0}});
     BuildLogLogPoints(&X, &Y);
     EXPECT_EQ(Y, (std::vector<float>{0, std::log(9.0f), 0}));
     // ln(1/20000) and ln(1/20001) differ by 5e-5: one point.
-    SetResults({{20001, 3}, {20000, 2}, {100, 50}, {50, 200}});
+    counting::SetResults({{20001, 3}, {20000, 2}, {100, 50}, {50, 200}});
     BuildLogLogPoints(&X, &Y);
     EXPECT_EQ(X.size(), 3u);
     EXPECT_FLOAT_EQ(Y[0], std::log(2.0f));

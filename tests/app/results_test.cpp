@@ -6,21 +6,11 @@
 
 #include "headless.h"
 #include "results.h"
+#include "counting_fixture.h"
 #include "settings.h"
 #include "testutil.h"
 
 namespace {
-
-std::vector<RESULT> storage;
-
-void SetResults(const std::vector<std::pair<int, int>> &records)
-{
-    storage.clear();
-    for (auto [size, count] : records)
-        storage.push_back(RESULT{size, count, 0});
-    results = storage.data();
-    nresults = static_cast<int>(storage.size());
-}
 
 std::string Table()
 {
@@ -47,7 +37,7 @@ const char *kTable = "100 4 -4.60517 1.38629\n"
 
 TEST(Results, OneLinePerSizeWithTheSmallestCount)
 {
-    SetResults(kRecords);
+    counting::SetResults(kRecords);
     EXPECT_EQ(Table(), kTable);
     // The marks are reset on every save: the same table again.
     EXPECT_EQ(Table(), kTable);
@@ -57,7 +47,7 @@ TEST(Results, QuietModeWritesToStandardOutput)
 {
     SetDefaultOptions();
     options.quiet = 1;
-    SetResults(kRecords);
+    counting::SetResults(kRecords);
     testing::internal::CaptureStdout();
     SaveResults();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), kTable);
@@ -66,7 +56,7 @@ TEST(Results, QuietModeWritesToStandardOutput)
 TEST(Results, TooFewRecordsSaveNothingAndAskNothing)
 {
     SetDefaultOptions();
-    SetResults({{100, 5}, {66, 9}, {44, 20}});
+    counting::SetResults({{100, 5}, {66, 9}, {44, 20}});
     headless::lastprompt.clear();
     testutil::TempDir dir;
     const std::string path = dir.file("r.txt");
@@ -80,7 +70,7 @@ TEST(Results, TooFewRecordsSaveNothingAndAskNothing)
 TEST(Results, InteractiveSaveGoesToTheChosenFile)
 {
     SetDefaultOptions();
-    SetResults(kRecords);
+    counting::SetResults(kRecords);
     testutil::TempDir dir;
     const std::string path = dir.file("results.txt");
     testutil::WriteText(path, "old contents that must go\n");

@@ -87,16 +87,6 @@ std::vector<FL_OBJECT *> Objects(FL_FORM *form)
     return v;
 }
 
-std::vector<RESULT> storage;
-
-void SetResults(const std::vector<std::pair<int, int>> &records)
-{
-    storage.clear();
-    for (auto [size, count] : records)
-        storage.push_back(RESULT{size, count, 0});
-    results = storage.data();
-    nresults = static_cast<int>(storage.size());
-}
 
 } // namespace
 
@@ -195,16 +185,16 @@ TEST(GraphForm, PointsFittedLineAndSlopeText)
     // Hidden, or fewer than 4 records: left as it was.
     fl_set_input(graphform->slope, "as before");
     graphformvisible = 0;
-    SetResults({{100, 5}, {66, 9}, {44, 20}, {29, 44}});
+    counting::SetResults({{100, 5}, {66, 9}, {44, 20}, {29, 44}});
     UpdateGraphForm();
     ShowForm(graphform->graphform);
     graphformvisible = 1;
-    SetResults({{100, 5}, {66, 9}, {44, 20}});
+    counting::SetResults({{100, 5}, {66, 9}, {44, 20}});
     UpdateGraphForm();
     EXPECT_STREQ(fl_get_input(graphform->slope), "as before");
     // 4 records, 2 sizes: plotted and fitted, though the estimate would be
     // 0; the slope through (ln 1/100, ln 4) and (ln 1/50, ln 20) is ln 5 / ln 2.
-    SetResults({{100, 5}, {50, 20}, {100, 4}, {50, 21}});
+    counting::SetResults({{100, 5}, {50, 20}, {100, 4}, {50, 21}});
     UpdateGraphForm();
     FL_OBJECT *plot = graphform->plot;
     EXPECT_EQ(fl_get_xyplot_numdata(plot, 0) * 10 + fl_get_xyplot_numdata(plot, 1), 22) << "points, then the line";
@@ -218,7 +208,7 @@ TEST(GraphForm, PointsFittedLineAndSlopeText)
     fl_get_xyplot_xbounds(plot, &xmin, &xmax);
     EXPECT_EQ((std::vector<float>{static_cast<float>(n), lx[0], lx[1]}), (std::vector<float>{2, xmin, xmax}));
     // One size: one point, no fit, the field shows 0.
-    SetResults({{64, 5}, {64, 4}, {64, 6}, {64, 7}});
+    counting::SetResults({{64, 5}, {64, 4}, {64, 6}, {64, 7}});
     UpdateGraphForm();
     EXPECT_EQ(fl_get_xyplot_numdata(plot, 0), 1);
     EXPECT_STREQ(fl_get_input(graphform->slope), " 0.000");

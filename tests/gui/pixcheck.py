@@ -1,9 +1,8 @@
 #!/usr/bin/python3
 """Pixel checks on screenshots (XWD, PNG or PPM, read through ImageMagick).
 
-  pixcheck.py IMAGE CHECK...
+  pixcheck.py IMAGE CHECK...     exit status 0 when every check passes
 
-Checks (all must pass; exit status 0 when they do, 1 otherwise):
   size WxH                         the image is W x H pixels
   at X,Y=R,G,B[~T]                 pixel (X, Y) is R,G,B within T per channel
   count X0,Y0,X1,Y1=R,G,B[~T]>=N   at least N such pixels in the box (X1, Y1 exclusive)
@@ -12,6 +11,7 @@ Checks (all must pass; exit status 0 when they do, 1 otherwise):
   differ OTHER X0,Y0,X1,Y1         the box differs somewhere between them
 Coordinates have the origin at the top left, as on the screen.
 """
+import re
 import subprocess
 import sys
 
@@ -19,85 +19,54 @@ import sys
 def load(path):
     ppm = subprocess.run(["/usr/bin/convert", path, "-strip", "-depth", "8", "ppm:-"],
                          check=True, capture_output=True).stdout
-    # P6 header: magic, width, height, maxval, separated by blanks, with
-    # comments from '#' to the end of a line.
-    fields, pos = [], 0
-    while len(fields) < 4:
-        while ppm[pos:pos + 1].isspace():
-            pos += 1
-        if ppm[pos:pos + 1] == b"#":
-            pos = ppm.index(b"\n", pos)
-            continue
-        start = pos
-        while not ppm[pos:pos + 1].isspace():
-            pos += 1
-        fields.append(ppm[start:pos])
-    pos += 1
-    width, height = int(fields[1]), int(fields[2])
-    return width, height, ppm[pos:pos + 3 * width * height]
+    # P6, width, height, maxval: blank-separated, '#' comments to line end.
+    header = re.match(rb"P6(?:\s+|#[^\n]*\n)+(\d+)(?:\s+|#[^\n]*\n)+(\d+)(?:\s+|#[^\n]*\n)+\d+\s", ppm)
+    w, h = int(header.group(1)), int(header.group(2))
+    data = ppm[header.end():]
+    return w, h, lambda x, y: tuple(data[3 * (y * w + x):3 * (y * w + x) + 3])
 
 
-def pixel(img, x, y):
-    width, _, data = img
-    i = 3 * (y * width + x)
-    return data[i], data[i + 1], data[i + 2]
+def colour(text):
+    rgb, _, tol = text.partition("~")
+    return tuple(int(v) for v in rgb.split(",")), int(tol or 0)
 
 
-def colour(spec):
-    tol = 0
-    if "~" in spec:
-        spec, t = spec.split("~")
-        tol = int(t)
-    return tuple(int(v) for v in spec.split(",")), tol
+def box(text, img):
+    x0, y0, x1, y1 = (int(v) for v in text.split(","))
+    return [(x, y) for y in range(max(y0, 0), min(y1, img[1])) for x in range(max(x0, 0), min(x1, img[0]))]
 
 
 def near(p, c, tol):
     return all(abs(a - b) <= tol for a, b in zip(p, c))
 
 
-def box(spec, img):
-    x0, y0, x1, y1 = (int(v) for v in spec.split(","))
-    return max(x0, 0), max(y0, 0), min(x1, img[0]), min(y1, img[1])
-
-
-def main(argv):
-    img = load(argv[1])
-    args, ok, i = argv[2:], True, 0
-    cache = {}
+def main(args):
+    img, ok, others = load(args[0]), True, {}
+    i = 1
     while i < len(args):
-        kind = args[i]
+        kind, arg = args[i], args[i + 1]
         if kind == "size":
-            want = args[i + 1]
-            got = "%dx%d" % (img[0], img[1])
-            good, note = got == want, "size %s (want %s)" % (got, want)
-            i += 2
+            got = "%dx%d" % img[:2]
+            good, note, i = got == arg, "size %s (want %s)" % (got, arg), i + 2
         elif kind == "at":
-            where, spec = args[i + 1].split("=")
-            x, y = (int(v) for v in where.split(","))
-            c, tol = colour(spec)
-            p = pixel(img, x, y)
-            good, note = near(p, c, tol), "at %d,%d is %s (want %s~%d)" % (x, y, p, c, tol)
-            i += 2
+            where, want = arg.split("=")
+            (x, y), (c, tol) = (int(v) for v in where.split(",")), colour(want)
+            good, note, i = near(img[2](x, y), c, tol), "at %s is %s (want %s)" % (where, img[2](x, y), want), i + 2
         elif kind == "count":
-            spec = args[i + 1]
-            op = ">=" if ">=" in spec else "<="
-            left, n = spec.split(op)
-            where, cspec = left.split("=")
-            x0, y0, x1, y1 = box(where, img)
-            c, tol = colour(cspec)
-            count = sum(1 for y in range(y0, y1) for x in range(x0, x1) if near(pixel(img, x, y), c, tol))
+            op = ">=" if ">=" in arg else "<="
+            left, n = arg.split(op)
+            where, want = left.split("=")
+            c, tol = colour(want)
+            count = sum(1 for x, y in box(where, img) if near(img[2](x, y), c, tol))
             good = count >= int(n) if op == ">=" else count <= int(n)
-            note = "count %s=%s is %d (want %s%s)" % (where, cspec, count, op, n)
-            i += 2
+            note, i = "count %s is %d (want %s%s)" % (left, count, op, n), i + 2
         elif kind in ("same", "differ"):
-            if args[i + 1] not in cache:
-                cache[args[i + 1]] = load(args[i + 1])
-            other = cache[args[i + 1]]
-            x0, y0, x1, y1 = box(args[i + 2], img)
-            diffs = sum(1 for y in range(y0, y1) for x in range(x0, x1) if pixel(img, x, y) != pixel(other, x, y))
-            good = (diffs == 0) if kind == "same" else (diffs > 0)
-            note = "%s %s: %d pixels differ" % (kind, args[i + 2], diffs)
-            i += 3
+            if arg not in others:
+                others[arg] = load(arg)
+            other = others[arg]
+            diffs = sum(1 for x, y in box(args[i + 2], img) if img[2](x, y) != other[2](x, y))
+            good = diffs == 0 if kind == "same" else diffs > 0
+            note, i = "%s %s: %d pixels differ" % (kind, args[i + 2], diffs), i + 3
         else:
             print("pixcheck: unknown check %s" % kind)
             return 2
@@ -107,4 +76,4 @@ def main(argv):
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv))
+    sys.exit(main(sys.argv[1:]))

@@ -12,6 +12,8 @@
 #include <tuple>
 #include <vector>
 
+#include <unistd.h>
+
 #include "helpers.h"
 #include "testutil.h"
 
@@ -140,4 +142,30 @@ TEST(Helpers, RLEByteExamplesAndRoundTrips) {
         for (auto &b : in) b = trial % 10 ? b : static_cast<unsigned char>(bytes());
         ASSERT_EQ(Uncompress(Compress(in), in.size()), in) << "trial " << trial;
     }
+}
+
+// The remaining helpers where they can go wrong: copying a file byte for
+// byte (and nothing for a missing one), single-key mode refused on a stream
+// that is not a terminal, the bounding box and the swap.
+TEST(Helpers, EchoKeyboardBoundsAndSwap) {
+    testutil::TempDir dir;
+    const Bytes all = [] { Bytes b(256); std::iota(b.begin(), b.end(), 0); return b; }();
+    testutil::WriteBytes(dir.file("in"), all);
+    FILE *out = std::fopen(dir.file("out").c_str(), "wb");
+    EchoFile(dir.file("in").c_str(), out);
+    EchoFile(dir.file("missing").c_str(), out);
+    std::fclose(out);
+    EXPECT_EQ(testutil::ReadBytes(dir.file("out")), all);
+    if (!isatty(0)) {
+        EXPECT_EQ(SetKeyboardIO(1), -1);
+    }
+    XYZ lo = {1, 2, 3}, hi = lo;
+    MinMaxXYZ({-4, 7, 3}, &lo, &hi);
+    EXPECT_EQ(std::vector<double>({lo.x, lo.y, lo.z, hi.x, hi.y, hi.z}), std::vector<double>({-4, 2, 3, 1, 7, 3}));
+    double a = 2.385, b = -1;
+    SwapDouble(&a, &b);
+    EXPECT_EQ(std::vector<double>({a, b}), std::vector<double>({-1, 2.385}));
+    const double t0 = GetRunTime();
+    EXPECT_GT(t0, 1.7e9) << "seconds since the epoch";
+    EXPECT_GE(GetRunTime(), t0);
 }
