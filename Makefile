@@ -46,7 +46,7 @@ bench: release
 fuzz: asan
 	mkdir -p $(ASAN)/fuzz-corpus
 	$(ASAN)/fuzz/tga_fuzz -max_total_time=$(FUZZ_SECONDS) -max_len=4096 \
-	    $(ASAN)/fuzz-corpus fuzz/corpus
+	    $(ASAN)/fuzz-corpus fuzz/corpus fuzz/found
 
 clean:
 	rm -rf build

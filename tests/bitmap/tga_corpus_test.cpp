@@ -1,6 +1,7 @@
-// Replays the fuzzer's seed corpus and every file that once made the reader
-// misbehave (tests/data/tga/bad) through the same entry the fuzzer uses, so
-// each build, not only the fuzzing one, checks them.
+// Replays the fuzzer's seed corpus, the inputs it found that reach new code
+// (fuzz/found) and every file that once made the reader misbehave
+// (tests/data/tga/bad) through the same entry the fuzzer uses, so each
+// build, not only the fuzzing one, checks them.
 #include <gtest/gtest.h>
 
 #include <dirent.h>
@@ -37,9 +38,14 @@ TEST(TgaCorpus, SeedFilesAllDecode)
     }
 }
 
-TEST(TgaCorpus, KnownBadFilesAreHandled)
+TEST(TgaCorpus, FoundAndKnownBadFilesAreHandled)
 {
-    for (const auto &f : FilesIn(testutil::Env("TALVOR_SRC") + "/tests/data/tga/bad")) {
+    const std::string src = testutil::Env("TALVOR_SRC");
+    auto files = FilesIn(src + "/tests/data/tga/bad");
+    const auto found = FilesIn(src + "/fuzz/found");
+    EXPECT_GE(found.size(), 100u);
+    files.insert(files.end(), found.begin(), found.end());
+    for (const auto &f : files) {
         const auto bytes = testutil::ReadBytes(f);
         const int rc = ReadTgaBytes(bytes.data(), bytes.size());
         EXPECT_GE(rc, -1) << f;
