@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "linefit.h"
 #include "settings.h"
 
 void BuildLogLogPoints(std::vector<float> *xs, std::vector<float> *ys)
@@ -35,35 +36,9 @@ void BuildLogLogPoints(std::vector<float> *xs, std::vector<float> *ys)
 
 int LinRegressf(const float *x, const float *y, int n, float *a, float *b, float *r)
 {
-    *a = 0;
-    *b = 0;
-    *r = 0;
-    if (n < 2)
-        return 0;
-    double sumx = 0, sumy = 0, sumxx = 0, sumyy = 0, sumxy = 0;
-    for (int i = 0; i < n; i++) {
-        sumx += x[i];
-        sumy += y[i];
-        // Products in single precision, added in double.
-        const float xx = x[i] * x[i], yy = y[i] * y[i], xy = x[i] * y[i];
-        sumxx += xx;
-        sumyy += yy;
-        sumxy += xy;
-    }
-    const double sxx = sumxx - sumx * sumx / n;
-    const double syy = sumyy - sumy * sumy / n;
-    const double sxy = sumxy - sumy * sumx / n;
-    if (sxx == 0)
-        return 0;
-    *b = static_cast<float>(sxy / sxx);
-    // The intercept uses the slope already rounded to float.
-    *a = static_cast<float>(sumy / n - static_cast<double>(*b) * sumx / n);
-    if (syy == 0) {
-        *r = 1;
-        return 1;
-    }
-    *r = static_cast<float>(sxy / std::sqrt(sxx * syy));
-    return 1;
+    // The utility library's fit in single precision: products formed in
+    // float, the slope rounded to float before the intercept.
+    return FitLine(x, y, n, a, b, r);
 }
 
 double CalcSlope(void)
