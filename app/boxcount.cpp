@@ -378,6 +378,11 @@ int StartBoxSize(void)
     return ClampToInt(std::min(w, h) / 5);
 }
 
+bool RegionTooSmall(void)
+{
+    return nresults > 0 && results[nresults - 1].size < 1;
+}
+
 int BlackInRectPlain(int x0, int x1, int y0, int y1)
 {
     int xmin, xmax, ymin, ymax;

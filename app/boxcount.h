@@ -21,6 +21,12 @@ int BlackInRect(int x0, int x1, int y0, int y1);
  * column. The reference the fast path is checked against. */
 int BlackInRectPlain(int x0, int x1, int y0, int y1);
 
+/* True when the grid about to be counted has boxes below one pixel, which
+ * happens with an automatic first size on a region under 5 pixels wide or
+ * high (or one with left beyond right): the counter could never finish it,
+ * so no driver may start it. */
+bool RegionTooSmall(void);
+
 /* The first box size of a pass for the current region: boxstart, or, when
  * that is automatic, a fifth of the region's smaller side (truncated). */
 int StartBoxSize(void);

@@ -7,11 +7,6 @@
 #include "results.h"
 #include "settings.h"
 
-bool RegionTooSmall(void)
-{
-    return nresults > 0 && results[nresults - 1].size < 1;
-}
-
 int RunQuiet(void)
 {
     options.processing = 1;

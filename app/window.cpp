@@ -11,7 +11,6 @@
 #include "appforms.h"
 #include "overlay.h"
 #include "platform.h"
-#include "quiet.h"
 #include "settings.h"
 #include "util.h"
 
