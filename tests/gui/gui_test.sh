@@ -69,7 +69,7 @@ check "green boxes over black and white, red outlines on large boxes" wait_pixel
 
 # --- 2. P stops and the boxes stay; p starts again from the first size.
 key "$W" P
-sleep 0.3 # a step already under way may still finish
+settled
 mark
 sleep 1
 check "P stops counting" test "$(new_lines 'Box size')" -eq 0
@@ -82,7 +82,7 @@ check "p announces one new count" test "$(new_lines '^Processing starting')" -eq
 # --- 3. Hiding the window pauses counting; showing it resumes.
 xdotool windowunmap "$W"
 wait_gone "$W"
-sleep 0.3
+settled
 mark
 sleep 1
 check "counting pauses while the window is hidden" test "$(new_lines 'Box size')" -eq 0
@@ -92,7 +92,7 @@ check "counting resumes when the window is shown" wait_log 'Box size' 5
 # --- 4. Invert (stopped, so no boxes cover the picture): the centre of the
 # carpet's big hole turns from white to black and back.
 key "$W" P
-sleep 0.3
+settled
 key "$W" i
 check "i inverts the picture" wait_pixels 10 "$W" "$OUT/inverted.xwd" at 273,273=0,0,0~3 count $ALL=$RED'<='0
 key "$W" i

@@ -48,6 +48,10 @@ exited_with() {
 }
 
 not_running() { ! kill -0 "$PROG_PID"; }
+# settled: the log has not grown for half a second (polled up to 10 s), so
+# whatever was under way when a key was sent has finished.
+grew() { local n; n=$(wc -l <"$OUT/err.log"); sleep 0.5; [ "$(wc -l <"$OUT/err.log")" = "$n" ]; }
+settled() { poll 10 grew; }
 mark() { MARK=$(wc -l <"$OUT/err.log"); }                      # later lines only...
 new_lines() { tail -n +"$((MARK + 1))" "$OUT/err.log" | grep -cE -- "$1"; }
 has_line() { [ "$(new_lines "$1")" -gt 0 ]; }
