@@ -44,6 +44,25 @@ unsigned char Low8(double sum)
     return static_cast<unsigned char>(std::fmod(t, 256.0));
 }
 
+// Destination index i of nn maps to source position i n / nn: the integer
+// part (no half-pixel centring) and the kernel weights of taps -1 .. 2
+// around it for the fractional part.
+struct Taps {
+    int64_t base;
+    double weight[4];
+};
+
+Taps KernelTaps(int i, int n, int nn)
+{
+    const int64_t scaled = static_cast<int64_t>(i) * n;
+    Taps t;
+    t.base = scaled / nn;
+    const double frac = static_cast<double>(scaled) / nn - static_cast<double>(t.base);
+    for (int m = -1; m <= 2; m++)
+        t.weight[m + 1] = BiCubicR(m - frac);
+    return t;
+}
+
 size_t At(int x, int y, int w)
 {
     return static_cast<size_t>(x) + static_cast<size_t>(y) * static_cast<size_t>(w);
@@ -63,27 +82,18 @@ void BiCubicScale(const BitmapPixel *bitmap, int nx, int ny, BitmapPixel *bitmap
     if (nnx < 1 || nny < 1 || nx < 1 || ny < 1)
         return;
     for (int i = 0; i < nnx; i++) {
-        const int64_t ix = static_cast<int64_t>(i) * nx;
-        const int64_t x = ix / nnx;
-        const double dx = static_cast<double>(ix) / nnx - static_cast<double>(x);
-        // The kernel depends on m and dx only: evaluate its four values once
-        // per column. Each tap still uses exactly R(m - dx) * R(n - dy).
-        double rx[4];
-        for (int m = -1; m <= 2; m++)
-            rx[m + 1] = BiCubicR(m - dx);
+        // The kernel depends on the tap and the fraction only: its four
+        // values are evaluated once per column and once per row. Each tap
+        // still weighs exactly R(m - dx) * R(n - dy).
+        const Taps tx = KernelTaps(i, nx, nnx);
         for (int j = 0; j < nny; j++) {
-            const int64_t jy = static_cast<int64_t>(j) * ny;
-            const int64_t y = jy / nny;
-            const double dy = static_cast<double>(jy) / nny - static_cast<double>(y);
-            double ry[4];
-            for (int n = -1; n <= 2; n++)
-                ry[n + 1] = BiCubicR(n - dy);
+            const Taps ty = KernelTaps(j, ny, nny);
             double r = 0, g = 0, b = 0, a = 0;
             for (int m = -1; m <= 2; m++) {
-                const int xx = Clamp(x + m, 0, nx - 1);
+                const int xx = Clamp(tx.base + m, 0, nx - 1);
                 for (int n = -1; n <= 2; n++) {
-                    const int yy = Clamp(y + n, 0, ny - 1);
-                    const double w = rx[m + 1] * ry[n + 1];
+                    const int yy = Clamp(ty.base + n, 0, ny - 1);
+                    const double w = tx.weight[m + 1] * ty.weight[n + 1];
                     const BitmapPixel &p = bitmap[At(xx, yy, nx)];
                     r += p.r * w;
                     g += p.g * w;
