@@ -87,7 +87,13 @@ int SetKeyboardIO(int set)
 }
 #endif
 
-int ReadLine(FILE *fptr, char *buf, int maxlen)
+namespace {
+
+// Appends bytes to buf (kept terminated) until a byte for which ends(c) is
+// true, which is consumed but not stored: TRUE. End of file first: FALSE.
+// maxlen stored bytes (when positive) also end the call with TRUE.
+template <typename Ends>
+int ReadInto(FILE *fptr, char *buf, int maxlen, Ends ends)
 {
     int n = 0;
     buf[0] = '\0';
@@ -95,28 +101,26 @@ int ReadLine(FILE *fptr, char *buf, int maxlen)
         const int c = std::fgetc(fptr);
         if (c == EOF)
             return FALSE;
-        if (c == '\n' || c == '\r')
+        if (ends(c))
             return TRUE;
         buf[n++] = static_cast<char>(c);
         buf[n] = '\0';
-        if (n >= maxlen)
+        if (maxlen > 0 && n >= maxlen)
             return TRUE;
     }
 }
 
+} // namespace
+
+int ReadLine(FILE *fptr, char *buf, int maxlen)
+{
+    // maxlen below 1 still stores one byte before it ends the line.
+    return ReadInto(fptr, buf, maxlen < 1 ? 1 : maxlen, [](int c) { return c == '\n' || c == '\r'; });
+}
+
 int ReadUntil(FILE *fptr, int ch, char *buf)
 {
-    int n = 0;
-    buf[0] = '\0';
-    for (;;) {
-        const int c = std::fgetc(fptr);
-        if (c == EOF)
-            return FALSE;
-        if (c == ch)
-            return TRUE;
-        buf[n++] = static_cast<char>(c);
-        buf[n] = '\0';
-    }
+    return ReadInto(fptr, buf, 0, [ch](int c) { return c == ch; });
 }
 
 int ReadToString(FILE *fptr, const char *word)
