@@ -323,12 +323,8 @@ inline bool RowBoxHasBlack(const Counter &c, int64_t x0, int64_t x1)
 [[gnu::noinline]] void RecordBox(int64_t left, int64_t right, int64_t bottom, int64_t top)
 {
     results[nresults - 1].count++;
-    BOX box;
-    if (left >= INT_MIN && bottom >= INT_MIN && right <= INT_MAX && top <= INT_MAX)
-        box = BOX{static_cast<int>(left), static_cast<int>(right), static_cast<int>(top), static_cast<int>(bottom), 1};
-    else
-        box = BOX{ClampToInt(left), ClampToInt(right), ClampToInt(top), ClampToInt(bottom), 1};
-    Append(&boxlist, &nboxlist, &boxgrowth, box);
+    Append(&boxlist, &nboxlist, &boxgrowth,
+           BOX{ClampToInt(left), ClampToInt(right), ClampToInt(top), ClampToInt(bottom), 1});
 }
 
 // The grid in progress is complete: report it, then move to the next size,
