@@ -15,4 +15,24 @@ typedef struct {
     double x, y, z;
 } XYZ;
 
+/* A complex number: real part, then imaginary part. */
+typedef struct {
+    double real, imag;
+} Complex;
+
+/* A quaternion: the scalar part q0 first, then the vector part q1, q2, q3. */
+typedef struct {
+    double q0, q1, q2, q3;
+} Quaternion;
+
+/* An RGB colour, each component nominally 0 to 1. */
+typedef struct {
+    double r, g, b;
+} Colour;
+
+/* An RGB colour with opacity, each component nominally 0 to 1. */
+typedef struct {
+    double r, g, b, a;
+} ColourA;
+
 #endif
