@@ -15,6 +15,13 @@ typedef struct {
     double x, y, z;
 } XYZ;
 
+/* X11's <X11/X.h> defines Complex as a polygon-shape constant (0). In a
+ * program that includes it before this header the record's name would
+ * become 0, so the macro gives way to the type here. */
+#ifdef Complex
+#undef Complex
+#endif
+
 /* A complex number: real part, then imaginary part. */
 typedef struct {
     double real, imag;
