@@ -4,14 +4,17 @@
 #   make check    install, build twice (optimised; ASan+UBSan with clang) and run every test
 #   make bench    build and run the benchmarks
 #   make fuzz     run the TGA reader fuzzer (FUZZ_SECONDS, default 600)
+#   make install  install program, batch script, manual page, libraries (PREFIX, default /usr/local)
+#   make accuracy measure known fractals and write build/accuracy.md
 
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 RELEASE := build/release
 ASAN := build/asan
 FUZZ_SECONDS ?= 600
+PREFIX ?= /usr/local
 CTEST_FLAGS ?= --output-on-failure -j $(JOBS)
 
-.PHONY: all deps release asan demo check check-release check-asan bench fuzz clean
+.PHONY: all deps release asan demo check check-release check-asan bench fuzz install accuracy clean
 
 all: release
 
@@ -47,6 +50,13 @@ fuzz: asan
 	mkdir -p $(ASAN)/fuzz-corpus
 	$(ASAN)/fuzz/tga_fuzz -max_total_time=$(FUZZ_SECONDS) -max_len=4096 \
 	    $(ASAN)/fuzz-corpus fuzz/corpus fuzz/found
+
+install: release
+	cmake --install $(RELEASE) --prefix "$(PREFIX)"
+
+accuracy: release
+	bench/accuracy $(RELEASE) > build/accuracy.md
+	cat build/accuracy.md
 
 clean:
 	rm -rf build
