@@ -51,6 +51,43 @@ void Triangle(Raster &r)
                 Set(r, x, y);
 }
 
+// Cantor dust: the product of two middle-third Cantor sets; (x, y) is black
+// when neither coordinate has a base-3 digit 1.
+void CantorDust(Raster &r)
+{
+    long side = 1;
+    while (side * 3 <= r.width)
+        side *= 3;
+    auto cantor = [](long v) {
+        for (; v > 0; v /= 3)
+            if (v % 3 == 1)
+                return false;
+        return true;
+    };
+    for (long y = 0; y < side; y++)
+        for (long x = 0; x < side; x++)
+            if (cantor(x) && cantor(y))
+                Set(r, x, y);
+}
+
+// Vicsek fractal (cross form): of each 3 x 3 block keep the centre and the
+// four edge-centre cells, i.e. at every level the two base-3 digits are
+// (1, 1) or exactly one of them is 1.
+void Vicsek(Raster &r)
+{
+    long side = 1;
+    while (side * 3 <= r.width)
+        side *= 3;
+    for (long y = 0; y < side; y++)
+        for (long x = 0; x < side; x++) {
+            bool keep = true;
+            for (long a = x, b = y; keep && (a > 0 || b > 0); a /= 3, b /= 3)
+                keep = (a % 3 == 1) || (b % 3 == 1);
+            if (keep)
+                Set(r, x, y);
+        }
+}
+
 void Segment(Raster &r, double x0, double y0, double x1, double y1)
 {
     const double len = std::hypot(x1 - x0, y1 - y0);
@@ -111,6 +148,18 @@ bool MakeFractal(const std::string &kind, int size, Raster *out)
     } else if (kind == "line") {
         for (long x = 0; x < size; x++)
             Set(r, x, size / 2);
+    } else if (kind == "cantor") {
+        CantorDust(r);
+    } else if (kind == "vicsek") {
+        Vicsek(r);
+    } else if (kind == "circle") {
+        // A one-pixel outline of radius 0.4 size about the centre.
+        const double c = size / 2.0, rad = 0.4 * size;
+        const long steps = static_cast<long>(std::ceil(2 * M_PI * rad * 4));
+        for (long i = 0; i < steps; i++) {
+            const double t = 2 * M_PI * i / steps;
+            Set(r, std::lround(c + rad * std::cos(t)), std::lround(c + rad * std::sin(t)));
+        }
     } else if (kind == "dust") {
         std::mt19937 gen(12345);
         for (auto &p : r.pixels)

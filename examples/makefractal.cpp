@@ -7,7 +7,7 @@
 int main(int argc, char **argv)
 {
     if (argc != 4) {
-        std::fprintf(stderr, "Usage: %s carpet|triangle|koch|square|line|dust SIZE OUT.tga\n", argv[0]);
+        std::fprintf(stderr, "Usage: %s carpet|triangle|koch|cantor|vicsek|square|line|circle|dust SIZE OUT.tga\n", argv[0]);
         return 2;
     }
     const int size = std::atoi(argv[2]);
