@@ -12,5 +12,8 @@
 #include "vectors.h"
 #include "writers.h"
 #include "surfaces.h"
+#include "colour.h"
+#include "curves.h"
+#include "complexarith.h"
 
 #endif
