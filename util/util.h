@@ -15,5 +15,6 @@
 #include "colour.h"
 #include "curves.h"
 #include "complexarith.h"
+#include "matrices.h"
 
 #endif
