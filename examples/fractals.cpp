@@ -13,29 +13,55 @@ void Set(Raster &r, long x, long y)
         r.pixels[static_cast<size_t>(y) * r.width + x] = 0;
 }
 
-// Sierpinski carpet: a pixel is white when, at some level, both of its
-// base-3 digits are 1. The rule is applied to coordinates scaled to the
-// largest power of three that fits.
-void Carpet(Raster &r)
+// Draws the pixels (x, y) of the largest power-of-three square that fits for
+// which keep(x, y) holds: the three self-similar sets below are rules on the
+// base-3 digits of the coordinates.
+template <class Keep> void DrawTernary(Raster &r, Keep keep)
 {
     long side = 1;
     while (side * 3 <= r.width)
         side *= 3;
     for (long y = 0; y < side; y++)
-        for (long x = 0; x < side; x++) {
-            long a = x, b = y;
-            bool hole = false;
-            while (a > 0 || b > 0) {
-                if (a % 3 == 1 && b % 3 == 1) {
-                    hole = true;
-                    break;
-                }
-                a /= 3;
-                b /= 3;
-            }
-            if (!hole)
+        for (long x = 0; x < side; x++)
+            if (keep(x, y))
                 Set(r, x, y);
-        }
+}
+
+// Sierpinski carpet: a pixel is white when, at some level, both of its
+// base-3 digits are 1.
+void Carpet(Raster &r)
+{
+    DrawTernary(r, [](long a, long b) {
+        for (; a > 0 || b > 0; a /= 3, b /= 3)
+            if (a % 3 == 1 && b % 3 == 1)
+                return false;
+        return true;
+    });
+}
+
+// Cantor dust: the product of two middle-third Cantor sets; a pixel is black
+// when neither coordinate has a base-3 digit 1.
+void CantorDust(Raster &r)
+{
+    DrawTernary(r, [](long a, long b) {
+        for (; a > 0 || b > 0; a /= 3, b /= 3)
+            if (a % 3 == 1 || b % 3 == 1)
+                return false;
+        return true;
+    });
+}
+
+// Vicsek fractal (cross form): of each 3 x 3 block keep the centre and the
+// four edge-centre cells, i.e. at every level at least one of the two base-3
+// digits is 1.
+void Vicsek(Raster &r)
+{
+    DrawTernary(r, [](long a, long b) {
+        for (; a > 0 || b > 0; a /= 3, b /= 3)
+            if (a % 3 != 1 && b % 3 != 1)
+                return false;
+        return true;
+    });
 }
 
 // Sierpinski triangle as Pascal's triangle modulo 2: (x, y) is black when
@@ -49,43 +75,6 @@ void Triangle(Raster &r)
         for (long x = 0; x < side; x++)
             if ((x & y) == 0)
                 Set(r, x, y);
-}
-
-// Cantor dust: the product of two middle-third Cantor sets; (x, y) is black
-// when neither coordinate has a base-3 digit 1.
-void CantorDust(Raster &r)
-{
-    long side = 1;
-    while (side * 3 <= r.width)
-        side *= 3;
-    auto cantor = [](long v) {
-        for (; v > 0; v /= 3)
-            if (v % 3 == 1)
-                return false;
-        return true;
-    };
-    for (long y = 0; y < side; y++)
-        for (long x = 0; x < side; x++)
-            if (cantor(x) && cantor(y))
-                Set(r, x, y);
-}
-
-// Vicsek fractal (cross form): of each 3 x 3 block keep the centre and the
-// four edge-centre cells, i.e. at every level the two base-3 digits are
-// (1, 1) or exactly one of them is 1.
-void Vicsek(Raster &r)
-{
-    long side = 1;
-    while (side * 3 <= r.width)
-        side *= 3;
-    for (long y = 0; y < side; y++)
-        for (long x = 0; x < side; x++) {
-            bool keep = true;
-            for (long a = x, b = y; keep && (a > 0 || b > 0); a /= 3, b /= 3)
-                keep = (a % 3 == 1) || (b % 3 == 1);
-            if (keep)
-                Set(r, x, y);
-        }
 }
 
 void Segment(Raster &r, double x0, double y0, double x1, double y1)

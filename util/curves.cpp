@@ -1,20 +1,13 @@
 #include "curves.h"
 
+#include "vectors.h"
+
 #include <cmath>
 
 namespace
 {
 
 const double kPi = 3.14159265358979323846;
-
-XYZ Point(double x, double y, double z)
-{
-    XYZ p;
-    p.x = x;
-    p.y = y;
-    p.z = z;
-    return p;
-}
 
 /* blend times the binomial coefficient C(n, k), built by multiplying in
  * n, n - 1, ..., 1 and dividing out k, k - 1, ..., 2 and n - k, ..., 2 one
@@ -84,7 +77,7 @@ XYZ Bezier3(XYZ p1, XYZ p2, XYZ p3, double mu)
     const double a = mum1 * mum1;
     const double b = 2 * mu * mum1;
     const double c = mu * mu;
-    return Point(a * p1.x + b * p2.x + c * p3.x, a * p1.y + b * p2.y + c * p3.y,
+    return MakeVector(a * p1.x + b * p2.x + c * p3.x, a * p1.y + b * p2.y + c * p3.y,
                  a * p1.z + b * p2.z + c * p3.z);
 }
 
@@ -95,24 +88,24 @@ XYZ Bezier4(XYZ p1, XYZ p2, XYZ p3, XYZ p4, double mu)
     const double b = 3 * mu * mum1 * mum1;
     const double c = 3 * mu * mu * mum1;
     const double d = mu * mu * mu;
-    return Point(a * p1.x + b * p2.x + c * p3.x + d * p4.x, a * p1.y + b * p2.y + c * p3.y + d * p4.y,
+    return MakeVector(a * p1.x + b * p2.x + c * p3.x + d * p4.x, a * p1.y + b * p2.y + c * p3.y + d * p4.y,
                  a * p1.z + b * p2.z + c * p3.z + d * p4.z);
 }
 
 XYZ CubicBezier(XYZ p0, XYZ p1, XYZ p2, XYZ p3, double mu)
 {
-    const XYZ c = Point(3 * (p1.x - p0.x), 3 * (p1.y - p0.y), 3 * (p1.z - p0.z));
-    const XYZ b = Point(3 * (p2.x - p1.x) - c.x, 3 * (p2.y - p1.y) - c.y, 3 * (p2.z - p1.z) - c.z);
-    const XYZ a = Point(p3.x - p0.x - c.x - b.x, p3.y - p0.y - c.y - b.y, p3.z - p0.z - c.z - b.z);
+    const XYZ c = MakeVector(3 * (p1.x - p0.x), 3 * (p1.y - p0.y), 3 * (p1.z - p0.z));
+    const XYZ b = MakeVector(3 * (p2.x - p1.x) - c.x, 3 * (p2.y - p1.y) - c.y, 3 * (p2.z - p1.z) - c.z);
+    const XYZ a = MakeVector(p3.x - p0.x - c.x - b.x, p3.y - p0.y - c.y - b.y, p3.z - p0.z - c.z - b.z);
     const double mu2 = mu * mu;
     const double mu3 = mu2 * mu;
-    return Point(a.x * mu3 + b.x * mu2 + c.x * mu + p0.x, a.y * mu3 + b.y * mu2 + c.y * mu + p0.y,
+    return MakeVector(a.x * mu3 + b.x * mu2 + c.x * mu + p0.x, a.y * mu3 + b.y * mu2 + c.y * mu + p0.y,
                  a.z * mu3 + b.z * mu2 + c.z * mu + p0.z);
 }
 
 XYZ Bezier(const XYZ *p, int n, double mu)
 {
-    XYZ b = Point(0, 0, 0);
+    XYZ b = MakeVector(0, 0, 0);
     if (n < 0)
         return b;
     const double mum1 = 1 - mu;
@@ -175,7 +168,7 @@ double SplineBlend(int k, int t, const int *u, double v)
 
 void SplinePoint(const int *u, int n, int t, double v, const XYZ *control, XYZ *output)
 {
-    XYZ sum = Point(0, 0, 0);
+    XYZ sum = MakeVector(0, 0, 0);
     for (int k = 0; k <= n; k++) {
         const double b = SplineBlend(k, t, u, v);
         sum.x += control[k].x * b;
@@ -212,9 +205,9 @@ int PolygonCurve(const XYZ *p, int n, int res, XYZ *output)
     // Vertex i of the polygon extended by one reflected vertex at each end.
     auto vertex = [p, n](int i) {
         if (i < 0)
-            return Point(2 * p[0].x - p[1].x, 2 * p[0].y - p[1].y, 2 * p[0].z - p[1].z);
+            return MakeVector(2 * p[0].x - p[1].x, 2 * p[0].y - p[1].y, 2 * p[0].z - p[1].z);
         if (i > n)
-            return Point(2 * p[n].x - p[n - 1].x, 2 * p[n].y - p[n - 1].y, 2 * p[n].z - p[n - 1].z);
+            return MakeVector(2 * p[n].x - p[n - 1].x, 2 * p[n].y - p[n - 1].y, 2 * p[n].z - p[n - 1].z);
         return p[i];
     };
     for (int j = 0; j < res; j++) {
@@ -226,7 +219,7 @@ int PolygonCurve(const XYZ *p, int n, int res, XYZ *output)
             seg = n - 1;
         const double mu = s - seg;
         const XYZ y0 = vertex(seg - 1), y1 = p[seg], y2 = p[seg + 1], y3 = vertex(seg + 2);
-        output[j] = Point(HermiteInterpolate(y0.x, y1.x, y2.x, y3.x, mu, 0, 0),
+        output[j] = MakeVector(HermiteInterpolate(y0.x, y1.x, y2.x, y3.x, mu, 0, 0),
                           HermiteInterpolate(y0.y, y1.y, y2.y, y3.y, mu, 0, 0),
                           HermiteInterpolate(y0.z, y1.z, y2.z, y3.z, mu, 0, 0));
     }
