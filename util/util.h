@@ -16,5 +16,6 @@
 #include "curves.h"
 #include "complexarith.h"
 #include "matrices.h"
+#include "fft.h"
 
 #endif
