@@ -42,6 +42,9 @@ check "the installed program measures the picture" grep -qE '^Estimated fractal 
 csv=$(env -i HOME="$T" PATH=/usr/bin:/bin "$P/bin/talvor-batch" "$T/triangle.tga")
 check "the installed batch script finds the program beside it" grep -qE "^$T/triangle.tga,1\.[4-6][0-9]{2},.*,0,$" \
     <<<"$csv"
+# The README's batch over the bundled examples folder.
+csv=$(cd "$BUILD" && env -i HOME="$T" PATH="$P/bin:/usr/bin:/bin" talvor-batch examples/)
+check "a batch over the bundled examples" grep -qE '^examples/carpet\.tga,1\.[6-9][0-9]{2},0\.99[0-9]+,.*,0,$' <<<"$csv"
 check "man finds the installed page" bash -c "MANPATH='$P/share/man' MANWIDTH=80 man talvor 2>&1 | grep -q 'box-counting'"
 
 [ "$failed" = 0 ]
