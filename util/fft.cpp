@@ -184,6 +184,22 @@ int DFT(int dir, int n, double *x, double *y)
     return TRUE;
 }
 
+/* Transforms the n values at(0) .. at(n - 1) of a grid line (a column or a
+ * row) through the working arrays re and im. */
+template <class At>
+static void TransformLine(int dir, int m, int n, std::vector<double> &re, std::vector<double> &im, At at)
+{
+    for (int k = 0; k < n; k++) {
+        re[k] = at(k).real;
+        im[k] = at(k).imag;
+    }
+    FFT(dir, m, re.data(), im.data());
+    for (int k = 0; k < n; k++) {
+        at(k).real = re[k];
+        at(k).imag = im[k];
+    }
+}
+
 /* Row-column decomposition: one-dimensional transforms of every column, then
  * of every row. */
 int FFT2D(Complex **c, int nx, int ny, int dir)
@@ -193,33 +209,15 @@ int FFT2D(Complex **c, int nx, int ny, int dir)
     int m = AcceptedExponent(nx);
     if (m < 0 || !Allocate(real, imag, static_cast<std::size_t>(nx)))
         return FALSE;
-    for (int j = 0; j < ny; j++) {
-        for (int i = 0; i < nx; i++) {
-            real[i] = c[i][j].real;
-            imag[i] = c[i][j].imag;
-        }
-        FFT(dir, m, real.data(), imag.data());
-        for (int i = 0; i < nx; i++) {
-            c[i][j].real = real[i];
-            c[i][j].imag = imag[i];
-        }
-    }
+    for (int j = 0; j < ny; j++)
+        TransformLine(dir, m, nx, real, imag, [&](int i) -> Complex & { return c[i][j]; });
 
     /* A refused ny is only found now, after the columns are done. */
     m = AcceptedExponent(ny);
     if (m < 0 || !Allocate(real, imag, static_cast<std::size_t>(ny)))
         return FALSE;
-    for (int i = 0; i < nx; i++) {
-        for (int j = 0; j < ny; j++) {
-            real[j] = c[i][j].real;
-            imag[j] = c[i][j].imag;
-        }
-        FFT(dir, m, real.data(), imag.data());
-        for (int j = 0; j < ny; j++) {
-            c[i][j].real = real[j];
-            c[i][j].imag = imag[j];
-        }
-    }
+    for (int i = 0; i < nx; i++)
+        TransformLine(dir, m, ny, real, imag, [&](int j) -> Complex & { return c[i][j]; });
     return TRUE;
 }
 
