@@ -1,63 +1,48 @@
 #!/usr/bin/python3
-"""Reference values for tests/util/fft_test.cpp, computed with NumPy.
-
-Prints one named array per line: the name, the number of values, then the
-values as Python reprs (which read back exactly). Inputs are fixed-seed noise, printed too so the
-test transforms exactly the same numbers.
-
-The library's forward transform (direction 1) is exp(-2 pi i ik/n) scaled by
-1/n, which is numpy.fft.fft(x) / n; its inverse (any other direction) is
-exp(+2 pi i ik/n) unscaled, which is numpy.fft.ifft(x) * n. The same holds in
-two dimensions with fft2 and ifft2 and n = nx * ny.
-"""
+"""NumPy references for tests/util/fft_test.cpp: lines of name, count, then real and imaginary parts
+as exact Python reprs. The library's direction 1 is numpy.fft.fft(x) / n, any other ifft(x) * n."""
 import numpy as np
 
 rng = np.random.default_rng(20240917)
 
 
-def emit(name, values):
-    values = np.ravel(values)
-    print(name, len(values), *(repr(float(v)) for v in values))
-
-
-def emit_complex(name, z):
-    emit(name + ".re", np.real(z))
-    emit(name + ".im", np.imag(z))
+def emit(name, v):
+    v = np.ravel(v).astype(complex)
+    print(name, len(v), *(repr(float(e)) for e in np.concatenate([v.real, v.imag])))
 
 
 def noise(shape):
     return rng.uniform(-2.385, 2.385, shape) + 1j * rng.uniform(-2.385, 2.385, shape)
 
 
-# 12 is not a power of two: only the direct transform takes it.
-for n in (8, 12, 16, 64):
+for n in (8, 12, 16, 64):  # 12: the direct transform only
     x = noise(n)
-    emit_complex("sig%d" % n, x)
-    emit_complex("fwd%d" % n, np.fft.fft(x) / n)
-    emit_complex("inv%d" % n, np.fft.ifft(x) * n)
+    emit("sig%d" % n, x)
+    emit("dft1_%d" % n, np.fft.fft(x) / n)
+    emit("dft-1_%d" % n, np.fft.ifft(x) * n)
+    emit("dft2_%d" % n, np.fft.fft(x)[2 * np.arange(n) % n])  # direction 2 doubles the angle, unscaled
 
-# Grids c[i][j] with nx rows of ny values, written row after row.
-for nx, ny in ((4, 8), (8, 4)):
+for nx, ny in ((4, 8), (8, 4)):  # grids c[i][j] of nx rows of ny values
     c = noise((nx, ny))
-    emit_complex("grid%dx%d" % (nx, ny), c)
-    emit_complex("fwd%dx%d" % (nx, ny), np.fft.fft2(c) / (nx * ny))
-    emit_complex("inv%dx%d" % (nx, ny), np.fft.ifft2(c) * (nx * ny))
-    # Columns only: what a grid with a refused row length is left with.
-    emit_complex("cols%dx%d" % (nx, ny), np.fft.fft(c, axis=0) / nx)
+    emit("grid%dx%d" % (nx, ny), c)
+    emit("fft2d_%dx%d_1" % (nx, ny), np.fft.fft2(c) / (nx * ny))
+    emit("fft2d_%dx%d_-1" % (nx, ny), np.fft.ifft2(c) * (nx * ny))
+    # Refused sizes on the 4x8 grid: nx leaves it alone, ny only after the columns j < ny are done.
+    for rx, ry in ((2, 4), (1, 4), (0, 4), (6, 4), (4, 2), (4, 3), (4, 0), (4, 6)) if nx == 4 else ():
+        cols = np.fft.fft(c, axis=0) / 4
+        emit("fft2d_%dx%d_1" % (rx, ry), np.where((rx == 4) & (np.arange(8) < ry), cols, c))
 
-# Correlation. numpy.correlate(a, v, "full")[lag + n - 1] is
-# sum a[i + lag] v[i], so a = y - my, v = x - mx gives the linear
-# correlation at delay lag; delays run from -(n // 2) to n // 2 - 1.
-# np.roll(a, -lag)[i] is a[(i + lag) mod n], the circular shift.
+# correlate(dy, dx, "full")[d + n - 1] = sum dx[i] dy[i + d], delays -(n // 2) .. n // 2 - 1;
+# np.roll(a, -lag)[i] = a[(i + lag) mod n].
 lags = [-9, -1, 0, 1, 3, 6, 7, 8, 23]
 emit("lags", lags)
 for n in (8, 7):
-    x = rng.uniform(-2.385, 2.385, n)
-    y = rng.uniform(-2.385, 2.385, n)
-    emit("cx%d" % n, x)
-    emit("cy%d" % n, y)
+    x, y = rng.uniform(-2.385, 2.385, n), rng.uniform(-2.385, 2.385, n)
     dx, dy = x - x.mean(), y - y.mean()
     full = np.correlate(dy, dx, "full") / np.sqrt(np.sum(dx * dx) * np.sum(dy * dy))
+    emit("xy%d" % n, x + 1j * y)  # the two signals as real and imaginary parts
     emit("corr%d" % n, full[n - 1 - n // 2 : n - 1 + n // 2])
-    emit("auto%d" % n, [np.sum(dx * np.roll(dx, -lag)) for lag in lags])
-    emit("cross%d" % n, [np.sum(dx * np.roll(dy, -lag)) for lag in lags])
+    # AutoCorr as real parts, CrossCorr as imaginary parts.
+    emit("autocross%d" % n, [np.sum(dx * np.roll(dx, -d)) + 1j * np.sum(dx * np.roll(dy, -d)) for d in lags])
+
+emit("noise", noise(4096))  # inputs for identities
