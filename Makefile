@@ -1,7 +1,9 @@
 # Talvor: a thin wrapper around CMake.
 #   make          build the optimised program (build/release/talvor)
 #   make demo     install what is missing, build, count the bundled carpet
-#   make check    install, build twice (optimised; ASan+UBSan with clang) and run every test
+#   make check    install, build three times (optimised; ASan+UBSan with clang; without a
+#                 window) and run every test
+#   make headless install what a build without a window needs and build it (build/headless)
 #   make bench    build and run the benchmarks
 #   make fuzz     run the TGA reader fuzzer (FUZZ_SECONDS, default 600)
 #   make install  install program, batch script, manual page, libraries (PREFIX, default /usr/local)
@@ -10,11 +12,12 @@
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 RELEASE := build/release
 ASAN := build/asan
+HEADLESS := build/headless
 FUZZ_SECONDS ?= 600
 PREFIX ?= /usr/local
 CTEST_FLAGS ?= --output-on-failure -j $(JOBS)
 
-.PHONY: all deps release asan demo check check-release check-asan bench fuzz install accuracy clean
+.PHONY: all deps release asan headless demo check check-release check-asan check-headless bench fuzz install accuracy clean
 
 all: release
 
@@ -30,6 +33,14 @@ asan: deps
 	    -DTALVOR_SANITIZE=ON -DTALVOR_FUZZ=ON -DTALVOR_BENCH=OFF
 	cmake --build $(ASAN) -j $(JOBS)
 
+# No X11, OpenGL, GLUT or XForms: for cluster nodes and containers. Inside
+# make check it is compared with the full build's quiet output.
+headless:
+	scripts/install-deps --headless
+	cmake -S . -B $(HEADLESS) -DCMAKE_BUILD_TYPE=Release -DTALVOR_GUI=OFF \
+	    -DTALVOR_REFERENCE_BUILD=$(if $(wildcard $(RELEASE)/talvor),$(abspath $(RELEASE)),)
+	cmake --build $(HEADLESS) -j $(JOBS)
+
 demo: release
 	$(RELEASE)/talvor -q -i $(RELEASE)/examples/carpet.tga
 
@@ -39,7 +50,11 @@ check-release: release
 check-asan: asan
 	cd $(ASAN) && ctest $(CTEST_FLAGS)
 
-check: check-release check-asan
+check-headless: release
+	$(MAKE) headless
+	cd $(HEADLESS) && ctest $(CTEST_FLAGS)
+
+check: check-release check-asan check-headless
 
 bench: release
 	$(RELEASE)/bench/talvor_bench

@@ -1,5 +1,5 @@
 // Talvor: estimates the box-counting dimension of the black structure in a
-// TGA picture, in a window or (-q) on the command line.
+// picture, in a window or (-q) on the command line.
 #include <cstdio>
 #include <cstdlib>
 
@@ -15,10 +15,8 @@ int main(int argc, char **argv)
     SetDefaultOptions();
     ParseCommandLine(argc, argv);
 
-    if (!options.quiet) {
-        PrintBanner();
+    if (!options.quiet)
         StartWindowSystem(&argc, argv);
-    }
 
     if (inputname[0] == '\0') {
         MakeTestImage();

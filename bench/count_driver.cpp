@@ -30,7 +30,6 @@
 #include "boxcount.h"
 #include "fractals.h"
 #include "intake.h"
-#include "platform.h"
 #include "settings.h"
 
 extern char **environ;
@@ -111,23 +110,6 @@ int ReadOnly(const char *tga)
 }
 
 } // namespace
-
-// The counting core calls these window-side services; a benchmark has no
-// window and never takes the paths that need them.
-void GetScreenSize(int *width, int *height)
-{
-    *width = 1280;
-    *height = 1024;
-}
-const char *AskFileName(const char *)
-{
-    return nullptr;
-}
-void UpdateGraphForm(void) {}
-void CleanExit(void)
-{
-    std::exit(0);
-}
 
 // The quiet loop's rate: boxes examined per second, for comparing with the
 // interactive loop (bench/interactive_rate.sh).

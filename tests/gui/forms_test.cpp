@@ -14,21 +14,8 @@
 #include "appforms.h"
 #include "boxcount.h"
 #include "estimate.h"
-#include "platform.h"
 #include "settings.h"
 #include "../app/counting_fixture.h"
-
-// The window-side services the forms do not provide themselves.
-void GetScreenSize(int *width, int *height)
-{
-    *width = 1280;
-    *height = 1024;
-}
-
-void CleanExit(void)
-{
-    std::exit(0);
-}
 
 namespace {
 

@@ -1,37 +1,24 @@
-// Window-side functions that the counting core calls, for test programs that
-// run without a window. The program itself links the real ones.
 #include "headless.h"
 
-#include <cstdlib>
-
-#include "platform.h"
+#include "frontend.h"
 
 namespace headless {
-int screenwidth = 1280;
-int screenheight = 1024;
 const char *filename = nullptr;
 std::string lastprompt;
 int graphupdates = 0;
+int screenbuilds = 0;
+
+namespace {
+const Frontend stand_in = {
+    [] { screenbuilds++; },
+    [] { graphupdates++; },
+    [](const char *prompt) {
+        lastprompt = prompt;
+        return filename;
+    },
+};
+
+// Registered before main, so that every test sees it.
+const bool registered = (RegisterFrontend(&stand_in), true);
+} // namespace
 } // namespace headless
-
-void GetScreenSize(int *width, int *height)
-{
-    *width = headless::screenwidth;
-    *height = headless::screenheight;
-}
-
-const char *AskFileName(const char *prompt)
-{
-    headless::lastprompt = prompt;
-    return headless::filename;
-}
-
-void UpdateGraphForm(void)
-{
-    headless::graphupdates++;
-}
-
-void CleanExit(void)
-{
-    std::exit(0);
-}

@@ -1,7 +1,7 @@
 /* The dimension estimate: the slope of the least-squares line through
  * (ln(1/s), ln N(s)), one point per distinct box size, where repeated sizes
- * keep their smallest count. Single precision where the estimate has always
- * been single precision. */
+ * keep their smallest count. The points and the fitted slope are floats, so
+ * the estimate printed is a single-precision value; the sums are doubles. */
 #ifndef TALVOR_ESTIMATE_H
 #define TALVOR_ESTIMATE_H
 

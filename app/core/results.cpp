@@ -3,7 +3,7 @@
 #include <cmath>
 #include <string>
 
-#include "platform.h"
+#include "frontend.h"
 #include "settings.h"
 
 void WriteResults(FILE *fp)
@@ -32,11 +32,12 @@ void SaveResults(void)
 {
     if (nresults < 4)
         return;
-    if (options.quiet) {
+    const Frontend *f = ActiveFrontend();
+    if (f == nullptr) {
         WriteResults(stdout);
         return;
     }
-    const char *chosen = AskFileName("Results file");
+    const char *chosen = f->askfilename("Results file");
     if (chosen == nullptr || chosen[0] == '\0')
         return;
     const std::string name = chosen; // the selector may reuse its buffer

@@ -6,7 +6,6 @@
 
 #include "appforms.h"
 #include "estimate.h"
-#include "platform.h"
 #include "settings.h"
 
 void UpdateGraphForm(void)

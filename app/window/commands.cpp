@@ -9,7 +9,6 @@
 #include "boxcount.h"
 #include "appforms.h"
 #include "intake.h"
-#include "platform.h"
 #include "results.h"
 #include "settings.h"
 #include "window.h"

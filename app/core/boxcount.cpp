@@ -11,7 +11,7 @@
 
 #include "blacktable.h"
 #include "estimate.h"
-#include "platform.h"
+#include "frontend.h"
 #include "settings.h"
 
 namespace {
@@ -354,8 +354,8 @@ inline bool RowBoxHasBlack(const Counter &c, int64_t x0, int64_t x1)
     }
 
     // The finishing pass never gets here, so the graph lacks the last pass.
-    if (!options.quiet)
-        UpdateGraphForm();
+    if (const Frontend *f = ActiveFrontend())
+        f->graphchanged();
     // The record for a size exists before its first box is examined.
     Append(&results, &nresults, &resultgrowth, RESULT{c.boxsize, 0, 0});
     StartGrid(c);

@@ -10,11 +10,24 @@
 #include "commands.h"
 #include "appforms.h"
 #include "overlay.h"
-#include "platform.h"
+#include "frontend.h"
+#include "screenimage.h"
+#include "cmdline.h"
 #include "settings.h"
 #include "util.h"
 
 namespace {
+
+// The window's side of the counting core: the screen image, the graph and
+// the file selector.
+void RebuildScreenImage(void)
+{
+    int w = 0, h = 0;
+    GetScreenSize(&w, &h);
+    BuildScreenImage(w, h);
+}
+
+const Frontend window = {RebuildScreenImage, UpdateGraphForm, AskFileName};
 
 void SetTitle(void)
 {
@@ -38,6 +51,7 @@ void CleanExit(void)
 
 void StartWindowSystem(int *argc, char **argv)
 {
+    PrintBanner();
     std::fprintf(stderr, "Initialising GLUT\n");
     glutInit(argc, argv);
     glutInitDisplayMode(GLUT_RGB | GLUT_DOUBLE | GLUT_DEPTH);
@@ -55,6 +69,7 @@ void StartWindowSystem(int *argc, char **argv)
     glutVisibilityFunc(HandleVisibility);
     MakeMenus();
     StartForms(argc, argv);
+    RegisterFrontend(&window);
 }
 
 void RunWindow(void)

@@ -46,6 +46,15 @@ void StartForms(int *argc, char **argv);
  * already shown is raised instead. */
 void ShowForm(FL_FORM *form);
 
+/* Shows the file selector with the given prompt and empty directory, pattern
+ * and default name; returns the chosen path, or null when cancelled. */
+const char *AskFileName(const char *prompt);
+
+/* When the graph form is shown and there are at least 4 results: plots the
+ * log-log points, lays the fitted line over the plot's whole x range and
+ * shows the slope. */
+void UpdateGraphForm(void);
+
 /* When the options form is shown, writes noffsets, boxend, boxstart ("Auto"
  * when automatic) and boxfactor into its inputs, in that order. */
 void UpdateOptionForm(void);

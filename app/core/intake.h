@@ -13,18 +13,11 @@ void MakeTestImage(void);
 
 /* Rebuilds bwimage (a pixel is black when r^2 + g^2 + b^2 <= 16383, then
  * complemented if invert is set), warns when it holds no black, builds the
- * screen image in interactive mode, resets a default region and restarts the
+ * screen image through the window in interactive mode, resets a default region and restarts the
  * counter. Returns what BoxCount(0) returns. */
 int UpdateImages(void);
 
 /* Complements red, green and blue of every pixel of image (alpha stays). */
 void InvertImage(void);
-
-/* The screen image size for an image of width x height on a screen of
- * screenw x screenh: halved (truncating) until the width is at most three
- * quarters of the screen width, then until the height is at most three
- * quarters of the screen height; *scale is the power of two used. */
-void ChooseScreenSize(int width, int height, int screenw, int screenh, int *outw, int *outh,
-                      int *scale);
 
 #endif

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform.h"
 #include "settings.h"
 
 FD_optionsform *optionsform = nullptr;
