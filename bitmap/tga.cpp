@@ -165,40 +165,121 @@ inline void Merge(BitmapPixel *pixel, const unsigned char *p)
     }
 }
 
+// Where decoded pixels go, in file order. Both kinds hand out a contiguous
+// run of writable pixels (Span) and are told how many were written (Advance).
+
+// Straight into the caller's bitmap, element after element.
+class BitmapOutput {
+public:
+    BitmapOutput(BitmapPixel *bitmap, size_t total) : bitmap_(bitmap), total_(total) {}
+    size_t Remaining() const { return total_ - done_; }
+    BitmapPixel *Span(size_t *n)
+    {
+        *n = total_ - done_;
+        return bitmap_ + done_;
+    }
+    void Advance(size_t k) { done_ += k; }
+
+private:
+    BitmapPixel *bitmap_;
+    size_t total_;
+    size_t done_ = 0;
+};
+
+// Into a buffer of one row, handed over as each row completes.
+class RowOutput {
+public:
+    RowOutput(int width, int height, bool topfirst, TGA_RowFunction row, void *data)
+        : buf_(static_cast<size_t>(width)), width_(static_cast<size_t>(width)), height_(height),
+          total_(Bitmap_PixelCount(width, height)), topfirst_(topfirst), row_(row), data_(data)
+    {
+    }
+    size_t Remaining() const { return total_ - done_; }
+    BitmapPixel *Span(size_t *n)
+    {
+        *n = width_ - col_;
+        return buf_.data() + col_;
+    }
+    void Advance(size_t k)
+    {
+        done_ += k;
+        col_ += k;
+        if (col_ == width_) {
+            // Where TGA_Read would leave this row: the file's first row is
+            // the bottom one unless the origin is at the top.
+            row_(data_, topfirst_ ? height_ - 1 - rows_ : rows_, buf_.data(), static_cast<int>(width_));
+            rows_++;
+            col_ = 0;
+        }
+    }
+
+private:
+    std::vector<BitmapPixel> buf_;
+    size_t width_;
+    int height_;
+    size_t total_;
+    bool topfirst_;
+    TGA_RowFunction row_;
+    void *data_;
+    size_t done_ = 0;
+    size_t col_ = 0;
+    int rows_ = 0;
+};
+
+template <class Out>
+inline void Put(Out &out, const BitmapPixel &p)
+{
+    size_t n;
+    *out.Span(&n) = p;
+    out.Advance(1);
+}
+
+// k copies of one pixel, cut at the end of the image.
+template <class Out>
+inline void Repeat(Out &out, const BitmapPixel &p, size_t k)
+{
+    k = std::min(k, out.Remaining());
+    while (k > 0) {
+        size_t n;
+        BitmapPixel *dst = out.Span(&n);
+        n = std::min(n, k);
+        std::fill(dst, dst + n, p);
+        out.Advance(n);
+        k -= n;
+    }
+}
+
 // Uncompressed pixels, decoded straight out of the read buffer; a pixel split
 // across two buffer fills goes through the copying read.
-template <int N>
-int DecodeUncompressed(BlockReader &in, BitmapPixel *bitmap, size_t total)
+template <int N, class Out>
+int DecodeUncompressed(BlockReader &in, Out &out)
 {
-    size_t done = 0;
-    while (done < total) {
+    while (out.Remaining() > 0) {
         const size_t avail = in.Available();
         if (avail >= N) {
-            const size_t k = std::min(avail / N, total - done);
+            size_t room;
+            BitmapPixel *dst = out.Span(&room);
+            const size_t k = std::min(avail / N, room);
             const unsigned char *p = in.Data();
             for (size_t i = 0; i < k; i++)
-                Merge<N>(&bitmap[done + i], p + i * N);
+                Merge<N>(&dst[i], p + i * N);
             in.Skip(k * N);
-            done += k;
+            out.Advance(k);
         } else {
             unsigned char p[N];
             if (in.Read(p, N) != N)
                 return 4;
-            Merge<N>(&bitmap[done++], p);
+            BitmapPixel px;
+            Merge<N>(&px, p);
+            Put(out, px);
         }
     }
     return 0;
 }
 
-// Decoding proper; the caller syncs the stream afterwards.
-int Decode(BlockReader &in, BitmapPixel *bitmap, int *width, int *height)
+// Checks the header's codes; 0 when the file can be decoded.
+int CheckHeader(const TgaHeader &hd)
 {
-    unsigned char h[kHeaderBytes] = {};
-    in.Read(h, kHeaderBytes);
-    const TgaHeader hd = ParseHeader(h);
-    *width = hd.width;
-    *height = hd.height;
-
     const int type = hd.datatypecode;
     if (type != 1 && type != 2 && type != 3 && type != 10 && type != 11)
         return 1;
@@ -207,7 +288,15 @@ int Decode(BlockReader &in, BitmapPixel *bitmap, int *width, int *height)
         return 2;
     if (hd.colourmaptype > 1)
         return 3;
+    return 0;
+}
 
+// Decoding proper, from just after the header; the caller syncs the stream
+// afterwards.
+template <class Out>
+int Decode(BlockReader &in, const TgaHeader &hd, Out &out)
+{
+    const int type = hd.datatypecode;
     // The palette is read from directly after the header, not after the ID
     // field: files with an ID field get its bytes as their first palette
     // bytes. Entries of unusual sizes stay zero.
@@ -227,66 +316,62 @@ int Decode(BlockReader &in, BitmapPixel *bitmap, int *width, int *height)
     in.SeekFromStart(kHeaderBytes + hd.idlength +
                      (hd.colourmaptype * hd.colourmaplength * hd.colourmapdepth) / 8);
 
-    const int n = bpp / 8;
-    const size_t total = Bitmap_PixelCount(hd.width, hd.height);
-    size_t done = 0;
+    const int n = hd.bitsperpixel / 8;
     unsigned char p[5];
 
     if (type == 1) {
         const int last = hd.colourmaplength - 1;
-        while (done < total) {
+        while (out.Remaining() > 0) {
             if (in.Read(p, 1) != 1)
                 return 4;
-            if (last < 0) {
-                // No palette at all: there is no entry to take.
-                bitmap[done++] = BitmapPixel{0, 0, 0, 0};
-            } else {
-                bitmap[done++] = palette[std::min<int>(p[0], last)];
-            }
+            // With no palette at all there is no entry to take.
+            Put(out, last < 0 ? BitmapPixel{0, 0, 0, 0} : palette[std::min<int>(p[0], last)]);
         }
     } else if (type == 2 || type == 3) {
-        int rc = 0;
         switch (n) {
-        case 1: rc = DecodeUncompressed<1>(in, bitmap, total); break;
-        case 2: rc = DecodeUncompressed<2>(in, bitmap, total); break;
-        case 3: rc = DecodeUncompressed<3>(in, bitmap, total); break;
-        default: rc = DecodeUncompressed<4>(in, bitmap, total); break;
+        case 1: return DecodeUncompressed<1>(in, out);
+        case 2: return DecodeUncompressed<2>(in, out);
+        case 3: return DecodeUncompressed<3>(in, out);
+        default: return DecodeUncompressed<4>(in, out);
         }
-        if (rc != 0)
-            return rc;
     } else {
-        while (done < total) {
+        while (out.Remaining() > 0) {
             // Packet header and first pixel in one read.
             if (in.Read(p, static_cast<size_t>(n) + 1) != static_cast<size_t>(n) + 1)
                 return 4;
             const int count = p[0] & 127;
             BitmapPixel first;
             TGA_MergeBytes(&first, p + 1, n);
-            bitmap[done++] = first;
+            Put(out, first);
             if (p[0] & 128) {
                 // A run that claims more pixels than remain is cut at the end.
-                const size_t room = total - done;
-                const size_t k = std::min(static_cast<size_t>(count), room);
-                std::fill(bitmap + done, bitmap + done + k, first);
-                done += k;
+                Repeat(out, first, static_cast<size_t>(count));
             } else {
                 for (int i = 0; i < count; i++) {
                     if (in.Read(p, static_cast<size_t>(n)) != static_cast<size_t>(n))
                         return 6;
                     // Pixels beyond the image are read, so that a truncated
                     // file is still reported, but not stored.
-                    if (done < total)
-                        TGA_MergeBytes(&bitmap[done++], p, n);
+                    if (out.Remaining() > 0) {
+                        BitmapPixel px;
+                        TGA_MergeBytes(&px, p, n);
+                        Put(out, px);
+                    }
                 }
             }
         }
     }
-
-    // Top-left origin: turn the rows over so the result is bottom row first.
-    // The right-to-left bit is not honoured.
-    if (hd.imagedescriptor & 32)
-        Flip_Bitmap(bitmap, hd.width, hd.height, 0);
     return 0;
+}
+
+TgaHeader ReadHeader(BlockReader &in, int *width, int *height)
+{
+    unsigned char h[kHeaderBytes] = {};
+    in.Read(h, kHeaderBytes);
+    const TgaHeader hd = ParseHeader(h);
+    *width = hd.width;
+    *height = hd.height;
+    return hd;
 }
 
 } // namespace
@@ -317,7 +402,30 @@ void TGA_Info(FILE *fptr, int *width, int *height, int *depth)
 int TGA_Read(FILE *fptr, BitmapPixel *bitmap, int *width, int *height)
 {
     BlockReader in(fptr);
-    const int rc = Decode(in, bitmap, width, height);
+    const TgaHeader hd = ReadHeader(in, width, height);
+    int rc = CheckHeader(hd);
+    if (rc == 0) {
+        BitmapOutput out(bitmap, Bitmap_PixelCount(hd.width, hd.height));
+        rc = Decode(in, hd, out);
+    }
+    in.Sync();
+    // Top-left origin: turn the rows over so the result is bottom row first.
+    // The right-to-left bit is not honoured.
+    if (rc == 0 && (hd.imagedescriptor & 32))
+        Flip_Bitmap(bitmap, hd.width, hd.height, 0);
+    return rc;
+}
+
+int TGA_ReadRows(FILE *fptr, int *width, int *height, TGA_RowFunction row, void *data)
+{
+    BlockReader in(fptr);
+    const TgaHeader hd = ReadHeader(in, width, height);
+    int rc = CheckHeader(hd);
+    if (rc == 0) {
+        RowOutput out(Bitmap_PixelCount(hd.width, hd.height) > 0 ? hd.width : 0, hd.height,
+                      (hd.imagedescriptor & 32) != 0, row, data);
+        rc = Decode(in, hd, out);
+    }
     in.Sync();
     return rc;
 }

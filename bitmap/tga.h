@@ -34,6 +34,16 @@ void TGA_Info(FILE *fptr, int *width, int *height, int *depth);
  * On failure the bitmap holds what was decoded so far. */
 int TGA_Read(FILE *fptr, BitmapPixel *bitmap, int *width, int *height);
 
+/* Receives one decoded row: y is its row in TGA_Read's result (0 = bottom),
+ * pixels its width pixels, valid only during the call. */
+typedef void (*TGA_RowFunction)(void *data, int y, const BitmapPixel *pixels, int width);
+
+/* Decodes like TGA_Read, but hands the pixels to row() one complete row at a
+ * time, in file order, instead of storing the picture; memory stays at one
+ * row whatever the size. Returns what TGA_Read returns; on failure the rows
+ * handed over are those decoded completely before it. */
+int TGA_ReadRows(FILE *fptr, int *width, int *height, TGA_RowFunction row, void *data);
+
 /* Turns one pixel's n file bytes (n = 1 to 4) into a BitmapPixel: 4 is
  * b, g, r, a; 3 is b, g, r (opaque); 2 is the 16-bit 1-5-5-5 form with the
  * top bit as alpha 128; 1 is opaque grey. Other n leave *pixel as it was. */

@@ -8,8 +8,14 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <atomic>
+#include <system_error>
+#include <thread>
+#include <vector>
 
-#include "blacktable.h"
+#include <sched.h>
+
+#include "blackbits.h"
 #include "estimate.h"
 #include "frontend.h"
 #include "settings.h"
@@ -97,48 +103,11 @@ bool PlainScan(int xmin, int xmax, int ymin, int ymax)
     return false;
 }
 
-// The same scan in the same order, for a box the table knows to hold black;
-// lo and hi are the table rows at ymin and ymax. A segment is read only when
-// the table says it holds black, and then from the bit tiles, eight pixels
-// at a time, so the scan costs reads in proportion to the box's side, not
-// its area, and stops at the first group holding black. Single rows and
-// columns never reach 2^16 pixels, so their counts are exact.
-bool GuidedScan(int xmin, int xmax, int ymin, int ymax, const uint16_t *lo, const uint16_t *hi)
+// True when the black bits describe the current picture; otherwise (a
+// caller that set up bwimage alone) boxes are scanned pixel by pixel.
+inline bool HaveBits()
 {
-    if (xmax - xmin == 1)
-        return BlackTileColumn(xmin, ymin, ymax);
-    if (ymax - ymin == 1)
-        return BlackTileRow(ymin, xmin, xmax);
-    const size_t stride = blacktable.stride;
-    if (BlackTableSpan(lo, hi, xmin, xmin + 1) && BlackTileColumn(xmin, ymin, ymax))
-        return true;
-    if (BlackTableSpan(lo, hi, xmax - 1, xmax) && BlackTileColumn(xmax - 1, ymin, ymax))
-        return true;
-    if (BlackTableSpan(lo, lo + stride, xmin + 1, xmax) && BlackTileRow(ymin, xmin + 1, xmax))
-        return true;
-    if (BlackTableSpan(hi - stride, hi, xmin, xmax) && BlackTileRow(ymax - 1, xmin, xmax))
-        return true;
-    if (ymax - 1 <= ymin + 1)
-        return false;
-    const uint16_t *inlo = lo + stride, *inhi = hi - stride;
-    for (int x = xmin + 1; x <= xmax - 2; x++)
-        if (BlackTableSpan(inlo, inhi, x, x + 1) && BlackTileColumn(x, ymin + 1, ymax - 1))
-            return true;
-    return false;
-}
-
-// BlackInRect's answer for a box: empty boxes are settled by the table
-// without reading a pixel; without a table every box is scanned.
-inline bool BoxHasBlack(const Bounds &b, bool usetable, int64_t x0, int64_t x1, int64_t y0, int64_t y1)
-{
-    int xmin, xmax, ymin, ymax;
-    if (!Clip(b, x0, x1, y0, y1, &xmin, &xmax, &ymin, &ymax))
-        return false;
-    if (!usetable)
-        return PlainScan(xmin, xmax, ymin, ymax);
-    if (!BlackTableAny(xmin, xmax, ymin, ymax))
-        return false;
-    return GuidedScan(xmin, xmax, ymin, ymax, BlackTableRow(ymin), BlackTableRow(ymax));
+    return blackbits.block != nullptr && blackbits.width == options.width && blackbits.height == options.height;
 }
 
 // Growing arrays: the records are appended one at a time, but the memory
@@ -225,16 +194,15 @@ struct Counter {
     int64_t bottom0 = 0;
 
     // Fixed for the length of a grid: the clipping bounds and whether the
-    // black table describes the current image.
+    // black bits describe the current image.
     Bounds bounds{};
-    bool usetable = false;
+    bool usebits = false;
 
     // Fixed for the length of a row of boxes: its clipped extent in y (the
-    // row holds nothing when it is empty) and the two table rows that bound
-    // it, so that a step only has to clip in x.
+    // row holds nothing when it is empty), so that a step only has to clip
+    // in x.
     bool rowlive = false;
     int rowymin = 0, rowymax = 0;
-    const uint16_t *rowlo = nullptr, *rowhi = nullptr;
 };
 Counter counter;
 
@@ -250,10 +218,6 @@ void StartRow(Counter &c)
     c.rowlive = true;
     c.rowymin = static_cast<int>(ymin);
     c.rowymax = static_cast<int>(ymax);
-    if (c.usetable) {
-        c.rowlo = BlackTableRow(c.rowymin);
-        c.rowhi = BlackTableRow(c.rowymax);
-    }
 }
 
 void StartGrid(Counter &c)
@@ -263,11 +227,11 @@ void StartGrid(Counter &c)
     c.left0 = static_cast<int64_t>(options.left) - c.offsetx;
     c.bottom0 = static_cast<int64_t>(options.bottom) - c.offsety;
     c.bounds = CurrentBounds();
-    c.usetable = BlackTableMatches(bwimage, options.width, options.height);
+    c.usebits = HaveBits();
 }
 
-// The box at (left0, bottom0) of the current row: BoxHasBlack with the row's
-// y clipping and table rows already in hand.
+// The box at (left0, bottom0) of the current row, with the row's y clipping
+// already in hand.
 inline bool RowBoxHasBlack(const Counter &c, int64_t x0, int64_t x1)
 {
     if (!c.rowlive || x0 >= c.bounds.right)
@@ -276,15 +240,9 @@ inline bool RowBoxHasBlack(const Counter &c, int64_t x0, int64_t x1)
     const int xmax = static_cast<int>(x1 < c.bounds.xhi ? x1 : c.bounds.xhi);
     if (xmin >= xmax)
         return false;
-    if (!c.usetable)
+    if (!c.usebits)
         return PlainScan(xmin, xmax, c.rowymin, c.rowymax);
-    if (static_cast<int64_t>(xmax - xmin) * (c.rowymax - c.rowymin) < 65536) {
-        if (BlackTableSpan(c.rowlo, c.rowhi, xmin, xmax) == 0)
-            return false;
-    } else if (!BlackTableAnyLarge(xmin, xmax, c.rowymin, c.rowymax)) {
-        return false;
-    }
-    return GuidedScan(xmin, xmax, c.rowymin, c.rowymax, c.rowlo, c.rowhi);
+    return BlackBitsAny(xmin, xmax, c.rowymin, c.rowymax);
 }
 
 [[gnu::noinline]] int StartCounting(Counter &c)
@@ -327,6 +285,30 @@ inline bool RowBoxHasBlack(const Counter &c, int64_t x0, int64_t x1)
            BOX{ClampToInt(left), ClampToInt(right), ClampToInt(top), ClampToInt(bottom), 1});
 }
 
+// After a grid: the next box size, or the start size of the next offset
+// pass; false when the last pass is over (boxsize then keeps the size that
+// ended it).
+bool NextGrid(Counter &c)
+{
+    c.boxsize = NextBoxSize(c.boxsize);
+    if (!(c.boxsize >= options.boxend && c.boxsize > 0)) {
+        if (c.noffset >= options.noffsets)
+            return false;
+        c.boxsize = StartBoxSize();
+        c.noffset++;
+    }
+    return true;
+}
+
+// The record for a size exists before its first box is examined; then the
+// grid's offsets are drawn.
+void StartNextGrid(Counter &c)
+{
+    Append(&results, &nresults, &resultgrowth, RESULT{c.boxsize, 0, 0});
+    StartGrid(c);
+    StartRow(c);
+}
+
 // The grid in progress is complete: report it, then move to the next size,
 // the next offset pass, or the end.
 [[gnu::noinline]] int EndGrid(Counter &c)
@@ -340,26 +322,17 @@ inline bool RowBoxHasBlack(const Counter &c, int64_t x0, int64_t x1)
         std::fprintf(stderr, ", Total count = %d\n", results[nresults - 1].count);
     }
 
-    c.boxsize = NextBoxSize(c.boxsize);
-    if (!(c.boxsize >= options.boxend && c.boxsize > 0)) {
-        if (c.noffset >= options.noffsets) {
-            if (!options.quiet) {
-                std::fprintf(stderr, "Processing finished\n");
-                std::fprintf(stderr, "Estimated fractal dimension: %6.3f\n", CalcSlope());
-            }
-            return 1;
+    if (!NextGrid(c)) {
+        if (!options.quiet) {
+            std::fprintf(stderr, "Processing finished\n");
+            std::fprintf(stderr, "Estimated fractal dimension: %6.3f\n", CalcSlope());
         }
-        c.boxsize = StartBoxSize();
-        c.noffset++;
+        return 1;
     }
-
     // The finishing pass never gets here, so the graph lacks the last pass.
     if (const Frontend *f = ActiveFrontend())
         f->graphchanged();
-    // The record for a size exists before its first box is examined.
-    Append(&results, &nresults, &resultgrowth, RESULT{c.boxsize, 0, 0});
-    StartGrid(c);
-    StartRow(c);
+    StartNextGrid(c);
     return 0;
 }
 
@@ -389,8 +362,78 @@ int BlackInRectPlain(int x0, int x1, int y0, int y1)
 
 int BlackInRect(int x0, int x1, int y0, int y1)
 {
-    const bool usetable = BlackTableMatches(bwimage, options.width, options.height);
-    return BoxHasBlack(CurrentBounds(), usetable, x0, x1, y0, y1) ? 1 : 0;
+    int xmin, xmax, ymin, ymax;
+    if (!Clip(CurrentBounds(), x0, x1, y0, y1, &xmin, &xmax, &ymin, &ymax))
+        return 0;
+    if (HaveBits())
+        return BlackBitsAny(xmin, xmax, ymin, ymax) ? 1 : 0;
+    return PlainScan(xmin, xmax, ymin, ymax) ? 1 : 0;
+}
+
+unsigned CountingThreads(void)
+{
+    cpu_set_t set;
+    CPU_ZERO(&set);
+    if (sched_getaffinity(0, sizeof set, &set) == 0 && CPU_COUNT(&set) > 0)
+        return static_cast<unsigned>(CPU_COUNT(&set));
+    const unsigned n = std::thread::hardware_concurrency();
+    return n > 0 ? n : 1;
+}
+
+void CountAllGrids(unsigned threads)
+{
+    Counter &c = counter;
+    // Only a computation that has not examined a box yet can be counted a
+    // grid at a time; pixel scans need no bits.
+    if (c.cycles != 0 || !HaveBits()) {
+        while (!BoxCount(1)) {
+        }
+        return;
+    }
+    nboxlist = 0;
+    const Bounds b = c.bounds;
+    const int xlo = static_cast<int>(b.xlo), xhi = static_cast<int>(b.xhi);
+    const int ylo = static_cast<int>(b.ylo), yhi = static_cast<int>(b.yhi);
+    struct Grid {
+        int record, size;
+        int64_t x, y;
+    };
+    std::vector<Grid> grids;
+    bool more = true;
+    while (more) {
+        // The offsets of a batch of grids, drawn in the order the stepping
+        // counter draws them, each grid's record appended as it would be.
+        grids.clear();
+        while (more && grids.size() < 4096) {
+            grids.push_back(Grid{nresults - 1, c.boxsize, static_cast<int64_t>(options.left) - c.offsetx,
+                                 static_cast<int64_t>(options.bottom) - c.offsety});
+            more = NextGrid(c);
+            if (more)
+                StartNextGrid(c);
+        }
+        // Then the grids themselves, on every thread, each count into its
+        // own record.
+        std::atomic<size_t> next{0};
+        auto work = [&] {
+            std::vector<uint64_t> scratch(blackbits.words + 1);
+            for (size_t i; (i = next++) < grids.size();) {
+                const Grid &g = grids[i];
+                results[g.record].count =
+                    static_cast<int>(CountGridBoxes(g.size, g.x, g.y, xlo, xhi, ylo, yhi, scratch.data()));
+            }
+        };
+        std::vector<std::thread> pool;
+        for (unsigned t = 1; t < threads && t < grids.size(); t++) {
+            try {
+                pool.emplace_back(work);
+            } catch (const std::system_error &) {
+                break; // fewer threads, same counts
+            }
+        }
+        work();
+        for (std::thread &t : pool)
+            t.join();
+    }
 }
 
 // One call examines one box; the rare events (start, end of a grid) are

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "blacktable.h"
+#include "blackbits.h"
 #include "boxcount.h"
 #include "frontend.h"
 #include "settings.h"
@@ -18,6 +18,47 @@ using File = std::unique_ptr<FILE, FileCloser>;
 // Bytes currently held by bwimage, so that a rebuild of the same size
 // reuses the memory.
 size_t bwbytes = 0;
+
+// Quiet runs read the file straight into the black bits: no colour picture
+// and no byte image is ever held. True from such a load until the next
+// UpdateImages has finished the bits.
+bool bitspending = false;
+
+void ThresholdTGARow(void *, int y, const BitmapPixel *pixels, int width)
+{
+    ThresholdRow(reinterpret_cast<const unsigned char *>(pixels), 4, width, BlackBitsRow(y));
+}
+
+// Whether a colour picture of this size could have been made: the black bits
+// take its place, but a size the colour picture is refused for (one side
+// negative) is refused here too, with the same message.
+bool ColourPictureFeasible(int width, int height)
+{
+    if (width > 0 && height > 0)
+        return true;
+    BitmapPixel *probe = Create_Bitmap(width, height);
+    Destroy_Bitmap(probe);
+    return probe != nullptr;
+}
+
+// The rest of LoadTGA for a quiet run, once the header has been read.
+int LoadTGAQuiet(FILE *fp)
+{
+    Destroy_Bitmap(image);
+    image = nullptr;
+    bitspending = false;
+    if (!ColourPictureFeasible(options.width, options.height) || !AllocBlackBits(options.width, options.height)) {
+        std::fprintf(stderr, "   Failed to create image\n");
+        return 0;
+    }
+    int w = 0, h = 0;
+    if (TGA_ReadRows(fp, &w, &h, ThresholdTGARow, nullptr) != 0) {
+        std::fprintf(stderr, "   Image read failed\n");
+        return 0;
+    }
+    bitspending = true;
+    return 1;
+}
 } // namespace
 
 int LoadTGA(const char *filename)
@@ -34,16 +75,21 @@ int LoadTGA(const char *filename)
         std::fprintf(stderr, "   Image dimensions: %d x %d x %d\n", options.width, options.height,
                      options.depth);
 
-    Destroy_Bitmap(image);
-    image = Create_Bitmap(options.width, options.height);
-    if (image == nullptr) {
-        std::fprintf(stderr, "   Failed to create image\n");
-        return 0;
-    }
-    int w = 0, h = 0;
-    if (TGA_Read(fp.get(), image, &w, &h) != 0) {
-        std::fprintf(stderr, "   Image read failed\n");
-        return 0;
+    if (options.quiet) {
+        if (!LoadTGAQuiet(fp.get()))
+            return 0;
+    } else {
+        Destroy_Bitmap(image);
+        image = Create_Bitmap(options.width, options.height);
+        if (image == nullptr) {
+            std::fprintf(stderr, "   Failed to create image\n");
+            return 0;
+        }
+        int w = 0, h = 0;
+        if (TGA_Read(fp.get(), image, &w, &h) != 0) {
+            std::fprintf(stderr, "   Image read failed\n");
+            return 0;
+        }
     }
     std::snprintf(options.imagename, sizeof options.imagename, "%s", filename);
     return 1;
@@ -51,6 +97,7 @@ int LoadTGA(const char *filename)
 
 void MakeTestImage(void)
 {
+    bitspending = false;
     Destroy_Bitmap(image);
     options.width = 400;
     options.height = 300;
@@ -73,7 +120,12 @@ void InvertImage(void)
     }
 }
 
-int UpdateImages(void)
+namespace {
+
+// bwimage and the black bits from image. Integer squares and one comparison:
+// black is below 128 squared. Row by row, so that each row goes into the
+// bits while it is still in the cache. Returns whether any pixel is black.
+bool ThresholdImage(void)
 {
     const size_t n = Bitmap_PixelCount(options.width, options.height);
     if (bwimage == nullptr || n != bwbytes) {
@@ -86,11 +138,8 @@ int UpdateImages(void)
         bwimage = static_cast<unsigned char *>(p);
         bwbytes = n;
     }
-
-    // Integer squares and one comparison: black is below 128 squared. Row by
-    // row, so that each row goes into the black table while it is still in
-    // the cache.
-    const bool table = BeginBlackTable(bwimage, options.width, options.height);
+    // Without room for the bits the counter scans bwimage instead.
+    const bool bits = AllocBlackBits(options.width, options.height);
     const unsigned char flip = options.invert ? 255 : 0;
     unsigned char darkest = 255;
     const size_t w = n > 0 ? static_cast<size_t>(options.width) : 0;
@@ -103,10 +152,31 @@ int UpdateImages(void)
             out[x] = v;
             darkest = v < darkest ? v : darkest;
         }
-        if (table)
-            BlackTableAddRow(static_cast<int>(y));
+        if (bits)
+            ThresholdRow(reinterpret_cast<const unsigned char *>(in), 4, options.width,
+                         BlackBitsRow(static_cast<int>(y)));
     }
-    if (darkest >= 128)
+    if (bits)
+        FinishBlackBits(options.invert != 0);
+    return darkest < 128;
+}
+
+} // namespace
+
+int UpdateImages(void)
+{
+    bool black;
+    if (bitspending) {
+        // A quiet run's bits, read straight from the file: the inversion
+        // applies to them, as it would to bwimage.
+        black = FinishBlackBits(options.invert != 0);
+        bitspending = false;
+    } else if (image != nullptr) {
+        black = ThresholdImage();
+    } else {
+        black = FinishBlackBits(false);
+    }
+    if (!black)
         std::fprintf(stderr, "Warning, image contains no black\n");
 
     if (const Frontend *f = ActiveFrontend())

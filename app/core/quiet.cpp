@@ -14,8 +14,7 @@ int RunQuiet(void)
         std::fprintf(stderr, "Region too small for box counting\n");
         return 255;
     }
-    while (!BoxCount(1)) {
-    }
+    CountAllGrids(CountingThreads());
     SaveResults();
     std::printf("Estimated fractal dimension: %6.3f", CalcSlope());
     if (options.useregion == 1)

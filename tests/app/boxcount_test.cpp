@@ -1,23 +1,26 @@
-// The box counter: size sequences, counts against a brute-force count,
-// messages, region clipping, and the black table against the plain scan.
+// The box counter: size sequences, every grid against a brute-force count,
+// the grid-at-a-time quiet counter on 1, 2 and 7 threads against the box
+// steps, messages, the box list, odd regions, and BlackInRect against the
+// pixel-by-pixel scan. The clock is fixed (fixedclock.h), so the offsets of
+// two runs with the same settings repeat.
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cmath>
-#include <ctime>
 #include <string>
 #include <vector>
 
-#include "blacktable.h"
+#include "blackbits.h"
 #include "boxcount.h"
 #include "counting_fixture.h"
+#include "fixedclock.h"
 #include "headless.h"
 
 using counting::Mask;
 
 namespace {
 
-// Runs a whole computation on the current image; returns its messages.
+// Runs a whole computation one box at a time; returns its messages.
 std::string RunAll()
 {
     testing::internal::CaptureStderr();
@@ -64,42 +67,57 @@ TEST(BoxCount, SizeSequences)
     }
 }
 
-TEST(BoxCount, CountsMatchABruteForceCountOfEveryGrid)
+TEST(BoxCount, EveryGridMatchesBruteForceOneBoxOrOneGridAtATime)
 {
     struct Case {
         int w, h;
         double density;
-        int useregion, left, right, bottom, top;
+        int useregion, left, right, bottom, top, boxstart, boxend;
     };
     const Case cases[] = {
-        {97, 61, 0.02, 0, 0, 100000, 0, 100000},
-        {120, 90, 0.3, 0, 0, 100000, 0, 100000},
-        {150, 130, 0.01, 1, 13, 141, 7, 99},
-        {80, 80, 0.002, 1, -20, 500, 30, 200}, // clamped at the image edges
+        {97, 61, 0.02, 0, 0, 100000, 0, 100000, -1, 2},
+        {120, 90, 0.3, 0, 0, 100000, 0, 100000, -1, 1},
+        {150, 130, 0.01, 1, 13, 141, 7, 99, 40, 2},
+        {80, 80, 0.002, 1, -20, 500, 30, 200, -1, 2}, // clamped at the image edges
+        {300, 200, 0.0005, 1, 0, 100000, 50, 60, 7, 2}, // a band ten rows high
+        // A filled 1280 x 1280 square, boxes of 2^16 pixels and more.
+        {1300, 1290, 1.0, 1, 5, 1285, 3, 1283, 320, 250},
     };
     for (const auto &c : cases) {
         SetDefaultOptions();
         const Mask m = counting::RandomMask(c.w, c.h, c.density, static_cast<uint32_t>(c.w * c.h));
         options.useregion = c.useregion;
-        options.left = c.left;
-        options.right = c.right;
-        options.bottom = c.bottom;
-        options.top = c.top;
+        options.left = c.left, options.right = c.right, options.bottom = c.bottom, options.top = c.top;
         counting::LoadMask(m);
         options.quiet = 0;
         options.noffsets = 3;
-        options.boxend = 2;
+        options.boxstart = c.boxstart;
+        options.boxend = c.boxend;
+        testclock::now += 1000; // new offsets for every case
+        RunAll(); // so that every run below starts from the same last size
         const auto lines = counting::ParseGridLines(RunAll());
-        ASSERT_EQ(static_cast<int>(lines.size()), nresults);
+        const std::vector<int> sizes = Column(&RESULT::size), counts = Column(&RESULT::count);
+        ASSERT_EQ(lines.size(), counts.size());
         for (size_t i = 0; i < lines.size(); i++) {
             const auto &g = lines[i];
-            EXPECT_EQ(g.index, static_cast<int>(i) + 1);
-            EXPECT_EQ(g.count, results[i].count);
+            EXPECT_EQ(g.count, counts[i]);
             EXPECT_TRUE(g.offx >= 0 && g.offx < g.size && g.offy >= 0 && g.offy < g.size);
-            EXPECT_EQ(g.count, counting::BruteForceCount(m, options.left, options.right, options.bottom, options.top,
-                                                         g.size, g.offx, g.offy))
+            EXPECT_EQ(g.count, counting::BruteForceCount(m, options.left, options.right, options.bottom,
+                                                         options.top, g.size, g.offx, g.offy))
                 << "grid " << i << " size " << g.size << " offset " << g.offx << "," << g.offy;
         }
+        // The quiet counter draws the same offsets and finds the same counts,
+        // whatever the number of threads; so do the steps without the bits.
+        options.quiet = 1;
+        for (unsigned threads : {1u, 2u, 7u}) {
+            BoxCount(0);
+            CountAllGrids(threads);
+            EXPECT_EQ(Column(&RESULT::size), sizes);
+            EXPECT_EQ(Column(&RESULT::count), counts) << threads << " threads, " << c.w << "x" << c.h;
+        }
+        FreeBlackBits();
+        RunAll();
+        EXPECT_EQ(Column(&RESULT::count), counts) << "pixel-by-pixel scan, " << c.w << "x" << c.h;
     }
 }
 
@@ -117,10 +135,7 @@ TEST(BoxCount, MessagesAndGraphRefreshes)
     // A region is announced with its edges clamped to the image, then an
     // empty line.
     options.useregion = 1;
-    options.left = 5;
-    options.right = 900;
-    options.bottom = 2;
-    options.top = 40;
+    options.left = 5, options.right = 900, options.bottom = 2, options.top = 40;
     err = RunAll();
     EXPECT_EQ(err.rfind("Processing starting on region: (5,2) to (50,40)\n\n", 0), 0u) << err;
     // Quiet mode says nothing and refreshes nothing.
@@ -141,19 +156,15 @@ TEST(BoxCount, BoxListHoldsTheOccupiedBoxesOfTheGridInProgress)
     options.noffsets = 1;
     BoxCount(0);
     int grids = 0;
-    while (true) {
-        const int before = nresults;
-        if (BoxCount(1))
-            break;
+    for (int before = nresults; !BoxCount(1); before = nresults) {
         if (nresults != before) {
             grids++;
             EXPECT_EQ(nboxlist, 0) << "emptied when a grid ends";
         }
         for (int i = 0; i < nboxlist; i++) {
             const BOX &b = boxlist[i];
-            EXPECT_EQ(b.filled, 1);
-            EXPECT_EQ(b.right - b.left, results[nresults - 1].size);
-            EXPECT_EQ(b.top - b.bottom, results[nresults - 1].size);
+            const int s = results[nresults - 1].size;
+            EXPECT_EQ(std::vector<int>({b.filled, b.right - b.left, b.top - b.bottom}), std::vector<int>({1, s, s}));
             EXPECT_TRUE((b.left <= 3 && 3 < b.right && b.bottom <= 3 && 3 < b.top) ||
                         (b.left <= 30 && 30 < b.right && b.bottom <= 35 && 35 < b.top));
         }
@@ -175,6 +186,9 @@ TEST(BoxCount, EmptyMisplacedAndTinyRegions)
         options.left = l, options.right = r, options.bottom = b, options.top = t;
         RunAll();
         EXPECT_EQ(Column(&RESULT::count), std::vector<int>(nresults, 0));
+        BoxCount(0);
+        CountAllGrids(2);
+        EXPECT_EQ(Column(&RESULT::count), std::vector<int>(nresults, 0));
     }
     options.boxstart = -1;
     options.left = 10, options.right = 14, options.bottom = 0, options.top = 50;
@@ -182,13 +196,13 @@ TEST(BoxCount, EmptyMisplacedAndTinyRegions)
     EXPECT_EQ(results[0].size, 0) << "a region under 5 pixels gives size 0";
 }
 
-TEST(BlackInRect, TableAndPlainScanAgreeOnRandomRectangles)
+TEST(BlackInRect, BitsAndPixelScanAgreeOnRandomRectangles)
 {
     std::mt19937 gen(99);
     for (int round = 0; round < 30; round++) {
         SetDefaultOptions();
-        const int w = 1 + static_cast<int>(gen() % 300), h = 1 + static_cast<int>(gen() % 300);
-        counting::LoadMask(counting::RandomMask(w, h, std::pow(10.0, -static_cast<double>(gen() % 5)), gen()));
+        const int w = 1 + static_cast<int>(gen() % 400), h = 1 + static_cast<int>(gen() % 400);
+        counting::LoadMask(counting::RandomMask(w, h, std::pow(10.0, -static_cast<double>(gen() % 6)), gen()));
         // Regions inside, across and outside the image, before and after
         // the counter clamps them.
         options.left = static_cast<int>(gen() % (w + 20)) - 10;
@@ -199,48 +213,10 @@ TEST(BlackInRect, TableAndPlainScanAgreeOnRandomRectangles)
             BoxCount(0);
         for (int i = 0; i < 2000; i++) {
             const int x0 = static_cast<int>(gen() % (w + 60)) - 30, y0 = static_cast<int>(gen() % (h + 60)) - 30;
-            const int x1 = x0 + static_cast<int>(gen() % 80) - 5, y1 = y0 + static_cast<int>(gen() % 80) - 5;
+            const int span = i % 4 ? 80 : 500; // some of 2^16 pixels and more
+            const int x1 = x0 + static_cast<int>(gen() % span) - 5, y1 = y0 + static_cast<int>(gen() % span) - 5;
             ASSERT_EQ(BlackInRect(x0, x1, y0, y1), BlackInRectPlain(x0, x1, y0, y1))
                 << w << "x" << h << " rect " << x0 << ".." << x1 << " x " << y0 << ".." << y1;
         }
     }
-    // Rectangles of 2^16 pixels and more are read in strips: a lone black
-    // pixel is found, and exactly 2^16 black pixels do not read as none.
-    SetDefaultOptions();
-    Mask m(700, 400);
-    m.Set(699, 399);
-    for (int y = 0; y < 256; y++)
-        for (int x = 0; x < 256; x++)
-            m.Set(x, y);
-    counting::LoadMask(m);
-    BoxCount(0);
-    const int rects[][5] = {{300, 700, 256, 400, 1}, {300, 699, 0, 400, 0}, {300, 700, 0, 399, 0},
-                            {0, 256, 0, 256, 1},     {256, 700, 0, 399, 0}, {-50, 5000, -70, 9000, 1}};
-    for (const auto &r : rects)
-        EXPECT_EQ(BlackInRect(r[0], r[1], r[2], r[3]), r[4]) << r[0] << ".." << r[1] << " x " << r[2] << ".." << r[3];
-}
-
-TEST(BoxCount, SameResultsWithAndWithoutTheBlackTable)
-{
-    // Two computations started in the same clock second, each after one with
-    // the same settings (the first grid's offset depends on the size the
-    // previous run ended with), draw the same offsets; the one without the
-    // table scans every box pixel by pixel.
-    SetDefaultOptions();
-    counting::LoadMask(counting::RandomMask(257, 193, 0.01, 11));
-    options.noffsets = 4;
-    std::vector<int> fast, plain;
-    for (int attempt = 0; attempt < 5; attempt++) {
-        BuildBlackTable(bwimage, options.width, options.height);
-        RunAll();
-        const time_t t0 = time(nullptr);
-        RunAll();
-        fast = Column(&RESULT::count);
-        FreeBlackTable();
-        RunAll();
-        plain = Column(&RESULT::count);
-        if (time(nullptr) == t0)
-            break;
-    }
-    EXPECT_EQ(fast, plain);
 }
